@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDateTime>
+
+namespace larkspur {
+
+// Every wait of the console goes through this interface, so the real program blocks in its
+// event loop while tests run the same waits in virtual time.
+class EventPump {
+public:
+    virtual ~EventPump() = default;
+
+    // The clock the waits read: seconds since midnight, wrapping to 0 at midnight.
+    virtual double secondsSinceMidnight() const = 0;
+
+    // The date and time stamped on error records.
+    virtual QDateTime currentDateTime() const = 0;
+
+    // Handles everything that is pending now, without waiting.
+    virtual void processEvents() = 0;
+
+    // Returns true as soon as an event is pending (without handling it necessarily), or false
+    // once `milliseconds` have passed with none. With 0 it only looks.
+    virtual bool waitForEvent(int milliseconds) = 0;
+};
+
+} // namespace larkspur

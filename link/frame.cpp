@@ -1,0 +1,39 @@
+#include "link/frame.h"
+
+namespace larkspur {
+
+QString start_of_text() {
+    return QString(QChar(ctl::STX));
+}
+
+QString end_of_text() {
+    return QString(QChar(ctl::ETX));
+}
+
+QString carriage_return() {
+    return QStringLiteral("\r\n");
+}
+
+QString Time_of_error(const QDateTime& now) {
+    return now.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char(' ') +
+           now.toString(QStringLiteral("HH:mm:ss"));
+}
+
+QString CRC(const QString& text) {
+    quint8 bcc = 0;
+    for (QChar c : text)
+        bcc ^= quint8(c.unicode() & 0xFF);
+    return QString(QChar(char16_t(bcc)));
+}
+
+QString pad_field(QString& text, qint16 width) {
+    if (text.size() < width)
+        text += QString(width - text.size(), QLatin1Char(' '));
+    return text;
+}
+
+QString plain_frame(const QString& text) {
+    return start_of_text() + text + end_of_text();
+}
+
+} // namespace larkspur

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QChar>
+#include <QDateTime>
+#include <QString>
+
+namespace larkspur {
+
+// Control characters; on the wire each is one byte, never framed.
+namespace ctl {
+constexpr char16_t STX = 2;
+constexpr char16_t ETX = 3;
+constexpr char16_t ENQ = 5;
+constexpr char16_t ACK = 6;
+constexpr char16_t NAK = 21;
+} // namespace ctl
+
+QString start_of_text();
+QString end_of_text();
+QString carriage_return();
+
+// Date first, one blank, then the time: the head of every error record.
+QString Time_of_error(const QDateTime& now);
+
+// The voice-mail block check: XOR of the low byte of every character, as one character.
+QString CRC(const QString& text);
+
+// Appends blanks until `text` is `width` long; never shortens. Returns the result as well.
+QString pad_field(QString& text, qint16 width);
+
+// STX + text + ETX: the plain frame, sent as it stands.
+QString plain_frame(const QString& text);
+
+} // namespace larkspur

@@ -1,0 +1,58 @@
+#include "link/qt_event_pump.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QThread>
+#include <QTimer>
+
+namespace larkspur {
+
+namespace {
+constexpr qint64 msPerDay = 24LL * 60 * 60 * 1000;
+
+QAbstractEventDispatcher* dispatcher() {
+    return QAbstractEventDispatcher::instance(QThread::currentThread());
+}
+} // namespace
+
+QtEventPump::QtEventPump() {
+    m_startDateTime = QDateTime::currentDateTime();
+    m_elapsed.start();
+    m_midnightOffsetMs = m_startDateTime.time().msecsSinceStartOfDay();
+}
+
+double QtEventPump::secondsSinceMidnight() const {
+    return double((m_midnightOffsetMs + m_elapsed.elapsed()) % msPerDay) / 1000.0;
+}
+
+QDateTime QtEventPump::currentDateTime() const {
+    return m_startDateTime.addMSecs(m_elapsed.elapsed());
+}
+
+void QtEventPump::processEvents() {
+    QCoreApplication::processEvents();
+}
+
+bool QtEventPump::waitForEvent(int milliseconds) {
+    auto* d = dispatcher();
+    if (!d)
+        return false;
+    if (milliseconds <= 0)
+        return d->processEvents(QEventLoop::AllEvents);
+
+    // A precise single-shot timer bounds the block; whatever else wakes the loop is an event.
+    // The timer is local so that a wait nested inside another keeps the outer one's deadline.
+    bool timedOut = false;
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, [&timedOut] { timedOut = true; });
+    timer.start(milliseconds);
+    while (!d->processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents)) {
+        if (timedOut)
+            break;
+    }
+    return !timedOut;
+}
+
+} // namespace larkspur

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "link/log_view_list.h"
+
+#include <QString>
+
+namespace larkspur {
+
+// Where the window shows the traffic log. The log only ever inserts at its end; a text that
+// began with a backspace takes the place of the last character shown.
+class TrafficDisplay {
+public:
+    virtual ~TrafficDisplay() = default;
+    virtual void insertAtEnd(const QString& text, bool replaceLastCharacter) = 0;
+    virtual void clear() = 0;
+};
+
+// Every line the console logs passes through ShowDebug, which cleans it and hands it to the
+// display, the log viewer list and the in-memory log text.
+class TrafficLog {
+public:
+    // Cleans `text` in place (backspaces, unprintable characters, line ends) and logs it.
+    void ShowDebug(QString& text);
+    // The usual call: one line, CR LF appended.
+    void logLine(const QString& line);
+
+    const QString& logText() const { return m_logText; }
+    qsizetype logCaret() const { return m_logCaret; }
+    const LogViewList& viewerList() const { return m_viewerList; }
+    LogViewList& viewerList() { return m_viewerList; }
+
+    void setDisplay(TrafficDisplay* display) { m_display = display; }
+    // Empties the visible log; the log text and the viewer list keep everything.
+    void clearDisplay();
+
+private:
+    TrafficDisplay* m_display = nullptr;
+    LogViewList m_viewerList;
+    QString m_logText;
+    // Length of the visible log, so a leading backspace erases its last character.
+    qsizetype m_logCaret = 0;
+};
+
+} // namespace larkspur

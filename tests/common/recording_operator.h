@@ -1,0 +1,28 @@
+#pragma once
+
+#include "link/operator_interface.h"
+
+#include <QStringList>
+
+namespace larkspur::test {
+
+// Records every notice and answers file choices from a queue.
+class RecordingOperator : public OperatorInterface {
+public:
+    QStringList notices;
+    QStringList filesToOpen;
+    QStringList filesToSave;
+    QStringList filters;
+
+    void notify(const QString& text) override { notices.append(text); }
+    QString chooseFileToOpen(const QString& filter) override {
+        filters.append(filter);
+        return filesToOpen.isEmpty() ? QString() : filesToOpen.takeFirst();
+    }
+    QString chooseFileToSave(const QString& filter) override {
+        filters.append(filter);
+        return filesToSave.isEmpty() ? QString() : filesToSave.takeFirst();
+    }
+};
+
+} // namespace larkspur::test

@@ -1,0 +1,120 @@
+#include "link/frame.h"
+#include "link/traffic_log.h"
+#include "link/vmail_frame.h"
+
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+
+namespace {
+
+QString stx() {
+    return QString(QChar(ctl::STX));
+}
+QString etx() {
+    return QString(QChar(ctl::ETX));
+}
+
+TEST(Frame, ControlTexts) {
+    EXPECT_EQ(start_of_text(), QString(QChar(2)));
+    EXPECT_EQ(end_of_text(), QString(QChar(3)));
+    EXPECT_EQ(carriage_return(), QString("\r\n"));
+    EXPECT_EQ(plain_frame("CHK1  101"), stx() + "CHK1  101" + etx());
+}
+
+TEST(Frame, PadFieldAppendsBlanksButNeverCuts) {
+    struct Case {
+        QString in;
+        qint16 width;
+        QString out;
+    } cases[] = {
+        {"ab", 6, "ab    "},     {"abcdefg", 6, "abcdefg"},
+        {"abcdef", 6, "abcdef"}, {"", 2, "  "},
+        {"x", 0, "x"},           {"x", -3, "x"},
+    };
+    for (auto& c : cases) {
+        QString text = c.in;
+        EXPECT_EQ(pad_field(text, c.width), c.out) << c.in.toStdString();
+        EXPECT_EQ(text, c.out) << "the text is padded in place";
+    }
+}
+
+TEST(Frame, CrcIsXorOfLowBytes) {
+    struct Case {
+        QString text;
+        int code;
+    } cases[] = {
+        {"", 0},
+        {"1" + etx(), 49 ^ 3},
+        {QString("AB"), 'A' ^ 'B'},
+        {QString(QChar(0x0141)) + "A", 0x41 ^ 'A'}, // only the low byte of a wide character counts
+        {QString(QChar(0xFF)) + QChar(0x01), 0xFE},
+    };
+    for (auto& c : cases) {
+        const QString crc = CRC(c.text);
+        ASSERT_EQ(crc.size(), 1);
+        EXPECT_EQ(crc.at(0).unicode(), c.code);
+    }
+}
+
+TEST(Frame, TimeOfErrorPutsDateBeforeTimeWithOneBlank) {
+    const QDateTime t(QDate(2026, 3, 4), QTime(5, 6, 7));
+    EXPECT_EQ(Time_of_error(t), QString("2026-03-04 05:06:07"));
+}
+
+TEST(VmailFrame, BodyLayoutByCodeAndProtocol) {
+    struct Case {
+        QString code, f1, f2, protocol, body;
+    } cases[] = {
+        {"1", "", "", "HIS", "1"},
+        {"1", "", "", "HYATT", "1            "},
+        {"2", " 4001 ", "", "HIS", "24001  "},
+        {"3", "4001", "ignored", "HIS", "34001  "},
+        {"6", "4001", "", "HYATT", "64001        "},
+        {"7", " 4001", " 12 ", "HIS", "74001   12   "},
+        {"A", "4001", "1234", "HIS", "A4001  1234  "},
+        {"B", "4001", "1234", "HIS", "B4001  1234  "},
+        {"D", "4001", "1234", "HIS", "D4001  1234  "},
+        {"8", "4001", "1", "HYATT", "84001  1     "},
+        {"9", "4001", "12", "HIS", "94001  12"},
+        // widths are minimums: a long field shifts what follows, HYATT never shortens
+        {"9", "4001234", "123", "HIS", "94001234123"},
+        {"7", "40012345", "1234567", "HYATT", "7400123451234567"},
+        {"7", "400123", "1234", "HYATT", "74001231234  "},
+    };
+    for (auto& c : cases) {
+        TrafficLog log;
+        const QString frame = build_vmail_message(c.code, c.f1, c.f2, c.protocol, log);
+        EXPECT_EQ(frame, stx() + c.body + etx() + CRC(c.body + etx()))
+            << c.code.toStdString() << " " << c.protocol.toStdString();
+        EXPECT_TRUE(log.logText().isEmpty());
+    }
+}
+
+TEST(VmailFrame, WorkedExampleCheckCharacter) {
+    TrafficLog log;
+    const QString frame = build_vmail_message("1", "", "", "HIS", log);
+    EXPECT_EQ(frame, stx() + "1" + etx() + "2");
+
+    const QString f = build_vmail_message("2", " 4001 ", "", "HIS", log);
+    ASSERT_EQ(f.size(), 1 + 7 + 1 + 1);
+    int bcc = 3;
+    for (QChar c : QString("24001  "))
+        bcc ^= c.unicode();
+    EXPECT_EQ(f.back().unicode(), bcc);
+}
+
+TEST(VmailFrame, UnknownCodeIsLoggedAndStillFramed) {
+    TrafficLog log;
+    const QString frame = build_vmail_message("Z", "4001", "12", "HYATT", log);
+    EXPECT_EQ(log.logText(), QString("Unrecognized command!\r\n"));
+    const QString body = "Z            ";
+    EXPECT_EQ(frame, stx() + body + etx() + CRC(body + etx()));
+
+    TrafficLog log2;
+    EXPECT_EQ(build_vmail_message("a", "4001", "", "HIS", log2),
+              stx() + "a" + etx() + CRC("a" + etx()))
+        << "codes are matched exactly, case included";
+}
+
+} // namespace

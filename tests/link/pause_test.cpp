@@ -1,0 +1,82 @@
+#include "link/pause.h"
+#include "link/virtual_event_pump.h"
+
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+
+namespace {
+
+TEST(PauseSeconds, AdvancesVirtualTimeAndDeliversEventsInside) {
+    VirtualEventPump pump;
+    qint64 deliveredAt = -1;
+    pump.schedule(400, [&] { deliveredAt = pump.elapsedMs(); });
+    pause_seconds(pump, 1.0f);
+    EXPECT_EQ(deliveredAt, 400);
+    EXPECT_EQ(pump.elapsedMs(), 1000);
+}
+
+TEST(PauseSeconds, Durations) {
+    struct Case {
+        float seconds;
+        qint64 expectedMs;
+    } cases[] = {{0.1f, 100}, {1.0f, 1000}, {2.0f, 2000}, {5.0f, 5000}, {0.0f, 0}, {0.0004f, 0}};
+    for (auto& c : cases) {
+        VirtualEventPump pump;
+        pause_seconds(pump, c.seconds);
+        EXPECT_EQ(pump.elapsedMs(), c.expectedMs) << c.seconds;
+    }
+}
+
+TEST(PauseSeconds, ManyEventsDoNotStretchThePause) {
+    VirtualEventPump pump;
+    int delivered = 0;
+    for (int ms = 0; ms <= 1000; ms += 50)
+        pump.schedule(ms, [&] { ++delivered; });
+    pause_seconds(pump, 1.0f);
+    EXPECT_EQ(pump.elapsedMs(), 1000);
+    EXPECT_EQ(delivered, 21) << "an event due at the very end is still handled";
+}
+
+TEST(PauseSeconds, EventScheduledByAnEventRunsInTheSamePause) {
+    VirtualEventPump pump;
+    bool second = false;
+    pump.schedule(100, [&] { pump.schedule(200, [&] { second = true; }); });
+    pause_seconds(pump, 1.0f);
+    EXPECT_TRUE(second);
+    EXPECT_EQ(pump.elapsedMs(), 1000);
+}
+
+TEST(PauseSeconds, CrossingMidnightRestartsFromZero) {
+    // 0.5 s before midnight; an event after midnight makes the pause recompute its start as 0,
+    // so the pause runs until 1.0 s past midnight.
+    VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 59, 500)));
+    pump.schedule(700, [] {});
+    pause_seconds(pump, 1.0f);
+    EXPECT_NEAR(pump.secondsSinceMidnight(), 1.0, 1e-9);
+    EXPECT_EQ(pump.elapsedMs(), 1500);
+}
+
+TEST(PauseSeconds, CrossingMidnightWithoutEventsKeepsItsLength) {
+    VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 59, 500)));
+    pause_seconds(pump, 1.0f);
+    EXPECT_EQ(pump.elapsedMs(), 1000);
+    EXPECT_EQ(pump.currentDateTime(), QDateTime(QDate(2026, 1, 6), QTime(0, 0, 0, 500)));
+}
+
+TEST(VirtualEventPump, WaitReportsWhetherAnEventArrived) {
+    VirtualEventPump pump;
+    EXPECT_FALSE(pump.waitForEvent(250));
+    EXPECT_EQ(pump.elapsedMs(), 250);
+    bool ran = false;
+    pump.schedule(100, [&] { ran = true; });
+    EXPECT_TRUE(pump.waitForEvent(500));
+    EXPECT_EQ(pump.elapsedMs(), 350);
+    EXPECT_FALSE(ran) << "waiting wakes up; handling is processEvents' job";
+    EXPECT_TRUE(pump.waitForEvent(0));
+    pump.processEvents();
+    EXPECT_TRUE(ran);
+    EXPECT_FALSE(pump.waitForEvent(0));
+}
+
+} // namespace

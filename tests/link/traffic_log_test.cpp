@@ -1,0 +1,113 @@
+#include "link/traffic_log.h"
+
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+
+namespace {
+
+// Keeps the display as the window would: inserts at the end, a replacing insert takes the place
+// of the last character.
+class TextDisplay : public TrafficDisplay {
+public:
+    QString text;
+    int replacements = 0;
+    void insertAtEnd(const QString& t, bool replaceLast) override {
+        if (replaceLast) {
+            text.chop(1);
+            ++replacements;
+        }
+        text += t;
+    }
+    void clear() override { text.clear(); }
+};
+
+TEST(ShowDebug, CleansText) {
+    struct Case {
+        const char* name;
+        QString in;
+        QString out;
+    } cases[] = {
+        {"frame loses STX and ETX", QString("\x02STS1   101\x03\r\n"), "STS1   101\r\n"},
+        {"tilde between letters dropped", "a~b\r\n", "ab\r\n"},
+        {"braces, bar and tilde dropped", "{|}~z\r\n", "z\r\n"},
+        {"letter, backspace, letter", "a\bb\r\n", "b\r\n"},
+        {"two backspaces eat two", "abc\b\bd\r\n", "ad\r\n"},
+        {"lone trailing LF vanishes", "abc\n", "abc"},
+        {"lone trailing CR gains LF", "abc\r", "abc\r\n"},
+        {"CR CR LF", "a\r\r\n", "a\r\n\r\n"},
+        {"LF CR becomes CR LF", "a\n\rb", "a\r\nb"},
+        {"tab and DEL dropped", "a\tb\x7f\r\n", "ab\r\n"},
+        {"wide characters dropped", QString("a") + QChar(0xE9) + "b\r\n", "ab\r\n"},
+        {"backspace is judged before the filter", QString("a\x02\b") + "c", "ac"},
+        {"empty", "", ""},
+    };
+    for (auto& c : cases) {
+        TrafficLog log;
+        QString text = c.in;
+        log.ShowDebug(text);
+        EXPECT_EQ(text, c.out) << c.name;
+        EXPECT_EQ(log.logText(), c.out) << c.name;
+    }
+}
+
+TEST(ShowDebug, WritesAllThreeSinks) {
+    TrafficLog log;
+    TextDisplay display;
+    log.setDisplay(&display);
+    log.logLine("Sending -->    ENQ");
+    log.logLine("Received--> ACK");
+    QString noLineEnd = "partial";
+    log.ShowDebug(noLineEnd);
+
+    EXPECT_EQ(display.text, QString("Sending -->    ENQ\r\nReceived--> ACK\r\npartial"));
+    EXPECT_EQ(log.logText(), display.text);
+    EXPECT_EQ(log.logCaret(), display.text.size());
+    ASSERT_EQ(log.viewerList().size(), 3);
+    EXPECT_EQ(log.viewerList().entry(0), u"Sending -->    ENQ");
+    EXPECT_EQ(log.viewerList().entry(1), u"Received--> ACK");
+    EXPECT_EQ(log.viewerList().entry(2), u"parti") << "the entry always drops two characters";
+
+    QString one = "x";
+    log.ShowDebug(one);
+    EXPECT_EQ(log.viewerList().entry(3), u"") << "shorter than two gives an empty entry";
+}
+
+TEST(ShowDebug, LeadingBackspaceReplacesLastShownCharacter) {
+    TrafficLog log;
+    TextDisplay display;
+    log.setDisplay(&display);
+
+    QString first = "abc";
+    log.ShowDebug(first);
+    QString second = "\b\bX";
+    log.ShowDebug(second);
+    EXPECT_EQ(second, QString("X"));
+    EXPECT_EQ(display.text, QString("abX")) << "repeated leading backspaces erase one character";
+    EXPECT_EQ(log.logCaret(), 3);
+    EXPECT_EQ(log.logText(), QString("abcX")) << "the log text keeps what the display erased";
+
+    QString third = "q\b\bY";
+    log.ShowDebug(third);
+    EXPECT_EQ(display.text, QString("abY"));
+    EXPECT_EQ(display.replacements, 2);
+}
+
+TEST(ShowDebug, LeadingBackspaceOnEmptyDisplayErasesNothing) {
+    TrafficLog log;
+    TextDisplay display;
+    log.setDisplay(&display);
+    QString text = "\bA";
+    log.ShowDebug(text);
+    EXPECT_EQ(display.text, QString("A"));
+    EXPECT_EQ(display.replacements, 0);
+
+    log.clearDisplay();
+    EXPECT_EQ(log.logCaret(), 0);
+    QString again = "\bB";
+    log.ShowDebug(again);
+    EXPECT_EQ(display.text, QString("B"));
+    EXPECT_EQ(log.logText(), QString("AB"));
+}
+
+} // namespace

@@ -1,0 +1,75 @@
+#include "sim/pbx_session.h"
+
+#include "link/frame.h"
+#include "link/readable_notation.h"
+#include "sim/peer.h"
+#include "sim/tracer.h"
+
+#include <QTimer>
+
+#include <cmath>
+
+namespace larkspur::sim {
+
+PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, QObject* parent)
+    : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer),
+      m_reader(options.mode == Mode::Vmail) {
+    connect(&m_peer, &Peer::received, this, &PbxSession::onReceived);
+}
+
+void PbxSession::begin(bool offerEcho) {
+    if (offerEcho)
+        send(QByteArray("\xFF\xFB\x01", 3)); // IAC WILL ECHO
+    for (const TimedMessage& message : m_options.at)
+        sendLater(message.seconds, message.bytes);
+}
+
+void PbxSession::send(const QByteArray& bytes) {
+    if (m_peer.write(bytes))
+        m_tracer.sent(bytes);
+}
+
+void PbxSession::onReceived(const QByteArray& bytes) {
+    m_tracer.received(bytes);
+    for (const WireUnit& unit : m_reader.feed(bytes))
+        handle(unit);
+}
+
+void PbxSession::handle(const WireUnit& unit) {
+    switch (unit.kind) {
+    case WireUnit::Kind::Enq:
+        answer(m_options.onEnq);
+        break;
+    case WireUnit::Kind::Ack:
+    case WireUnit::Kind::Nak:
+        break; // the console's answer to something we sent; the trace shows it
+    case WireUnit::Kind::Frame:
+        if (unit.checked && unit.check != unit.expectedCheck)
+            m_tracer.status(QStringLiteral("BCC wrong: got %1, expected %2")
+                                .arg(toReadable(QByteArray(1, unit.check)),
+                                     toReadable(QByteArray(1, unit.expectedCheck))));
+        else if (unit.checked)
+            m_tracer.status(QStringLiteral("BCC ok"));
+        answer(m_options.onFrame);
+        for (const FollowUp& followUp : m_options.after) {
+            if (unit.text.startsWith(followUp.match))
+                sendLater(followUp.seconds, followUp.bytes);
+        }
+        break;
+    }
+}
+
+void PbxSession::answer(Answer how) {
+    if (how == Answer::Ack)
+        send(QByteArray(1, char(ctl::ACK)));
+    else if (how == Answer::Nak)
+        send(QByteArray(1, char(ctl::NAK)));
+}
+
+void PbxSession::sendLater(double seconds, const QByteArray& bytes) {
+    // The session is the timer's context, so a console that leaves cancels it.
+    QTimer::singleShot(int(std::lround(seconds * 1000)), Qt::PreciseTimer, this,
+                       [this, bytes] { send(bytes); });
+}
+
+} // namespace larkspur::sim

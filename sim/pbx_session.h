@@ -1,0 +1,41 @@
+#pragma once
+
+#include "sim/sim_options.h"
+#include "sim/wire_reader.h"
+
+#include <QObject>
+
+namespace larkspur::sim {
+
+class Peer;
+class Tracer;
+
+// The PBX towards one connected console: answers its ENQs and frames, sends the --at and
+// --after messages, and traces every read and write. Destroying it cancels what it still had
+// to send.
+class PbxSession : public QObject {
+    Q_OBJECT
+public:
+    // `peer`, `options` and `tracer` must outlive the session.
+    PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, QObject* parent = nullptr);
+
+    // The console has just connected: offers to echo when told to (a Telnet habit, so TCP only)
+    // and starts the clocks of the --at messages.
+    void begin(bool offerEcho);
+
+    // Writes `bytes` to the console in one write and traces it.
+    void send(const QByteArray& bytes);
+
+private:
+    void onReceived(const QByteArray& bytes);
+    void handle(const WireUnit& unit);
+    void answer(Answer how);
+    void sendLater(double seconds, const QByteArray& bytes);
+
+    Peer& m_peer;
+    const SimOptions& m_options;
+    Tracer& m_tracer;
+    WireReader m_reader;
+};
+
+} // namespace larkspur::sim

@@ -1,0 +1,109 @@
+#include "sim/pbx_simulator.h"
+
+#include "link/readable_notation.h"
+#include "sim/pbx_session.h"
+#include "sim/pty_peer.h"
+#include "sim/tcp_peer.h"
+#include "sim/tracer.h"
+
+#include <QTcpSocket>
+
+namespace larkspur::sim {
+
+namespace {
+
+QString endpoint(const QHostAddress& address, quint16 port) {
+    const QString host = address.protocol() == QAbstractSocket::IPv6Protocol
+                             ? u'[' + address.toString() + u']'
+                             : address.toString();
+    return host + u':' + QString::number(port);
+}
+
+} // namespace
+
+PbxSimulator::PbxSimulator(const SimOptions& options, Tracer& tracer, QObject* parent)
+    : QObject(parent), m_options(options), m_tracer(tracer) {
+    connect(&m_server, &QTcpServer::newConnection, this, &PbxSimulator::acceptConsole);
+}
+
+PbxSimulator::~PbxSimulator() = default;
+
+bool PbxSimulator::start(QString* error) {
+    if (m_options.listen) {
+        if (!m_server.listen(m_options.listenAddress, m_options.listenPort)) {
+            if (error)
+                *error = QStringLiteral("cannot listen on %1: %2")
+                             .arg(endpoint(m_options.listenAddress, m_options.listenPort),
+                                  m_server.errorString());
+            return false;
+        }
+        m_tracer.status(QStringLiteral("listening ") +
+                        endpoint(m_server.serverAddress(), m_server.serverPort()));
+    }
+    if (m_options.pty) {
+        m_pty = std::make_unique<PtyPeer>();
+        if (!m_pty->open(m_options.ptyLink, error)) {
+            m_pty.reset();
+            return false;
+        }
+        m_tracer.status(QStringLiteral("pty ") + m_pty->slavePath());
+        if (!m_options.ptyLink.isEmpty())
+            m_tracer.status(
+                QStringLiteral("link %1 -> %2").arg(m_options.ptyLink, m_pty->slavePath()));
+        // A serial line has no connect: the console is as good as there once the pty is.
+        m_ptySession = std::make_unique<PbxSession>(*m_pty, m_options, m_tracer);
+        m_ptySession->begin(false);
+    }
+    return true;
+}
+
+quint16 PbxSimulator::tcpPort() const {
+    return m_server.isListening() ? m_server.serverPort() : 0;
+}
+
+QString PbxSimulator::ptyPath() const {
+    return m_pty ? m_pty->slavePath() : QString();
+}
+
+bool PbxSimulator::sendLine(const QString& line, QString* error) {
+    QString why;
+    const QByteArray bytes = parseMessage(line, &why);
+    if (why.isEmpty() && !m_tcpSession && !m_ptySession)
+        why = QStringLiteral("no console is connected");
+    if (!why.isEmpty()) {
+        if (error)
+            *error = why;
+        return false;
+    }
+    for (PbxSession* session : {m_tcpSession.get(), m_ptySession.get()}) {
+        if (session)
+            session->send(bytes);
+    }
+    return true;
+}
+
+void PbxSimulator::acceptConsole() {
+    // One console at a time: the next waits until this one leaves.
+    if (m_tcpPeer)
+        return;
+    QTcpSocket* socket = m_server.nextPendingConnection();
+    if (!socket)
+        return;
+    m_server.pauseAccepting();
+    m_tcpPeer = new TcpPeer(socket, this);
+    connect(m_tcpPeer, &TcpPeer::disconnected, this, &PbxSimulator::dropConsole);
+    m_tracer.status(QStringLiteral("connected tcp ") + m_tcpPeer->description());
+    m_tcpSession = std::make_unique<PbxSession>(*m_tcpPeer, m_options, m_tracer);
+    m_tcpSession->begin(m_options.echoOffer);
+}
+
+void PbxSimulator::dropConsole() {
+    m_tracer.status(QStringLiteral("disconnected"));
+    m_tcpSession.reset();
+    m_tcpPeer->deleteLater();
+    m_tcpPeer = nullptr;
+    m_server.resumeAccepting();
+    acceptConsole(); // one may have been accepted in the same batch as the last
+}
+
+} // namespace larkspur::sim

@@ -1,0 +1,184 @@
+#include "sim/sim_options.h"
+
+#include "link/readable_notation.h"
+
+#include <cmath>
+
+namespace larkspur::sim {
+
+namespace {
+
+// Longest delay a timer can hold in milliseconds, rounded down to a readable limit.
+constexpr int maxSeconds = 1000000;
+
+std::optional<Answer> answerNamed(const QString& name) {
+    if (name == u"ack")
+        return Answer::Ack;
+    if (name == u"nak")
+        return Answer::Nak;
+    if (name == u"silent")
+        return Answer::Silent;
+    return std::nullopt;
+}
+
+std::optional<double> secondsFrom(const QString& text) {
+    bool ok = false;
+    const double seconds = text.toDouble(&ok);
+    if (!ok || !std::isfinite(seconds) || seconds < 0 || seconds > maxSeconds)
+        return std::nullopt;
+    return seconds;
+}
+
+// HOST:PORT with an IPv4 address, "localhost", or an IPv6 address in brackets.
+bool readEndpoint(const QString& text, SimOptions& options) {
+    const qsizetype colon = text.lastIndexOf(u':');
+    if (colon < 0)
+        return false;
+    QString host = text.left(colon);
+    if (host.startsWith(u'[') && host.endsWith(u']'))
+        host = host.mid(1, host.size() - 2);
+    else if (host.contains(u':'))
+        return false;
+    const QHostAddress address =
+        host == u"localhost" ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(host);
+    bool ok = false;
+    const uint port = text.mid(colon + 1).toUInt(&ok);
+    if (address.isNull() || !ok || port > 65535)
+        return false;
+    options.listenAddress = address;
+    options.listenPort = quint16(port);
+    return true;
+}
+
+} // namespace
+
+ParsedArguments parseSimArguments(const QStringList& arguments) {
+    SimOptions options;
+    bool listenGiven = false;
+    qsizetype i = 0;
+    QString error;
+
+    // The next argument as the value of `option`, or empty with `error` set.
+    auto value = [&](const QString& option) -> std::optional<QString> {
+        if (i + 1 >= arguments.size()) {
+            error = option + QStringLiteral(" needs a value");
+            return std::nullopt;
+        }
+        return arguments.at(++i);
+    };
+    auto seconds = [&](const QString& option) -> std::optional<double> {
+        const auto text = value(option);
+        if (!text)
+            return std::nullopt;
+        const auto s = secondsFrom(*text);
+        if (!s)
+            error = QStringLiteral("%1: \"%2\" is not a number of seconds from 0 to %3")
+                        .arg(option, *text, QString::number(maxSeconds));
+        return s;
+    };
+    auto message = [&](const QString& option, bool framed) -> std::optional<QByteArray> {
+        const auto text = value(option);
+        if (!text)
+            return std::nullopt;
+        QString why;
+        const QByteArray bytes = framed ? parseMessage(*text, &why) : parseReadable(*text, &why);
+        if (!why.isEmpty()) {
+            error = QStringLiteral("%1 \"%2\": %3").arg(option, *text, why);
+            return std::nullopt;
+        }
+        return bytes;
+    };
+
+    for (; i < arguments.size() && error.isEmpty(); ++i) {
+        const QString& arg = arguments.at(i);
+        if (arg == u"--help" || arg == u"-h") {
+            options.help = true;
+        } else if (arg == u"--listen") {
+            const auto endpoint = value(arg);
+            if (endpoint && !readEndpoint(*endpoint, options))
+                error = QStringLiteral("--listen: \"%1\" is not HOST:PORT").arg(*endpoint);
+            listenGiven = true;
+        } else if (arg == u"--pty") {
+            options.pty = true;
+            if (i + 1 < arguments.size() && !arguments.at(i + 1).startsWith(u"--"))
+                options.ptyLink = arguments.at(++i);
+        } else if (arg == u"--mode") {
+            const auto mode = value(arg);
+            if (mode && *mode == u"HOTEL")
+                options.mode = Mode::Hotel;
+            else if (mode && *mode == u"VMAIL")
+                options.mode = Mode::Vmail;
+            else if (mode)
+                error = QStringLiteral("--mode: \"%1\" is not HOTEL or VMAIL").arg(*mode);
+        } else if (arg == u"--on-enq" || arg == u"--on-frame") {
+            const auto name = value(arg);
+            const auto answer = name ? answerNamed(*name) : std::nullopt;
+            if (answer)
+                (arg == u"--on-enq" ? options.onEnq : options.onFrame) = *answer;
+            else if (name)
+                error = QStringLiteral("%1: \"%2\" is not ack, nak or silent").arg(arg, *name);
+        } else if (arg == u"--echo-offer") {
+            options.echoOffer = true;
+        } else if (arg == u"--at") {
+            const auto s = seconds(arg);
+            const auto bytes = s ? message(arg, true) : std::nullopt;
+            if (bytes)
+                options.at.append({*s, *bytes});
+        } else if (arg == u"--after") {
+            const auto match = message(arg, false);
+            const auto s = match ? seconds(arg) : std::nullopt;
+            const auto bytes = s ? message(arg, true) : std::nullopt;
+            if (bytes)
+                options.after.append({*match, *s, *bytes});
+        } else if (arg == u"--trace") {
+            if (const auto file = value(arg))
+                options.traceFile = *file;
+        } else if (arg.startsWith(u'-')) {
+            error = QStringLiteral("unknown option %1").arg(arg);
+        } else {
+            error = QStringLiteral("unexpected argument \"%1\"").arg(arg);
+        }
+    }
+    if (!error.isEmpty())
+        return {std::nullopt, error};
+    options.listen = listenGiven || !options.pty;
+    return {options, {}};
+}
+
+QString simUsage() {
+    return QStringLiteral(
+        "usage: larkspur-pbxsim [--listen HOST:PORT] [--pty [LINK]] [--mode HOTEL|VMAIL]\n"
+        "                       [--on-enq ack|nak|silent] [--on-frame ack|nak|silent] "
+        "[--echo-offer]\n"
+        "                       [--after MATCH SECONDS TEXT]... [--at SECONDS TEXT]... "
+        "[--trace FILE]\n");
+}
+
+QString simHelp() {
+    return simUsage() + QStringLiteral(R"(
+Plays the PBX side of the PMS link.
+
+  --listen HOST:PORT  listen for the console on TCP (default 127.0.0.1:15374; port 0 picks one)
+  --pty [LINK]        open a pseudo-terminal for a serial console; LINK becomes a symlink to it
+                      (with --pty alone, no TCP listener unless --listen is given too)
+  --mode HOTEL|VMAIL  VMAIL frames carry a check character after the ETX (default HOTEL)
+  --on-enq ANSWER     answer to a bare ENQ: ack, nak or silent (default ack)
+  --on-frame ANSWER   answer to a frame: ack, nak or silent (default ack)
+  --echo-offer        send the Telnet offer to echo (255 251 1) on each TCP connect
+  --at SECONDS TEXT   send TEXT that many seconds after each connect (the pty counts as
+                      connected when it is opened)
+  --after MATCH SECONDS TEXT
+                      send TEXT that many seconds after a frame whose text starts with MATCH
+  --trace FILE        write the trace to FILE as well as to standard output
+
+TEXT and MATCH are written in a readable notation: <STX> <ETX> <ENQ> <ACK> <NAK>, <BCC> (the
+check character of what follows the last <STX>), \xHH for any byte, \\ for a backslash, \x3C
+for a literal '<'. A TEXT without an STX is framed as STX + TEXT + ETX, unless it is only
+<ENQ>, <ACK> or <NAK>, which are sent bare. Each line typed on standard input is sent the same
+way.
+
+Every read and write is traced as "HH:MM:SS.mmm RX|TX <bytes>"; status lines start with "# ".
+)");
+}
+
+} // namespace larkspur::sim

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHostAddress>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace larkspur::sim {
+
+// How the simulator answers an ENQ or a frame from the console.
+enum class Answer { Ack, Nak, Silent };
+
+// HOTEL frames are STX..ETX; VMAIL frames carry a check character after the ETX.
+enum class Mode { Hotel, Vmail };
+
+// --at: bytes sent a number of seconds after each connect.
+struct TimedMessage {
+    double seconds = 0;
+    QByteArray bytes;
+};
+
+// --after: bytes sent a number of seconds after a frame whose text starts with `match`.
+struct FollowUp {
+    QByteArray match;
+    double seconds = 0;
+    QByteArray bytes;
+};
+
+struct SimOptions {
+    bool listen = true;
+    QHostAddress listenAddress = QHostAddress::LocalHost;
+    quint16 listenPort = 15374;
+    bool pty = false;
+    QString ptyLink; // empty: no symlink
+    Mode mode = Mode::Hotel;
+    Answer onEnq = Answer::Ack;
+    Answer onFrame = Answer::Ack;
+    bool echoOffer = false;
+    QList<TimedMessage> at;
+    QList<FollowUp> after;
+    QString traceFile; // empty: standard output only
+    bool help = false;
+};
+
+struct ParsedArguments {
+    std::optional<SimOptions> options; // empty when the arguments are wrong
+    QString error;
+};
+
+// Reads the command line (without the program name).
+ParsedArguments parseSimArguments(const QStringList& arguments);
+
+// The synopsis, for error messages.
+QString simUsage();
+
+// The synopsis and what each option does, for --help.
+QString simHelp();
+
+} // namespace larkspur::sim

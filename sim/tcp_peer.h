@@ -1,0 +1,28 @@
+#pragma once
+
+#include "sim/peer.h"
+
+class QTcpSocket;
+
+namespace larkspur::sim {
+
+// A connected console over TCP.
+class TcpPeer : public Peer {
+    Q_OBJECT
+public:
+    // Takes `socket` over.
+    explicit TcpPeer(QTcpSocket* socket, QObject* parent = nullptr);
+
+    bool write(const QByteArray& bytes) override;
+
+    // "ADDRESS:PORT" of the console.
+    QString description() const;
+
+Q_SIGNALS:
+    void disconnected();
+
+private:
+    QTcpSocket* m_socket;
+};
+
+} // namespace larkspur::sim

@@ -1,0 +1,37 @@
+#include "sim/tracer.h"
+
+#include "link/readable_notation.h"
+
+#include <QIODevice>
+#include <QTime>
+
+namespace larkspur::sim {
+
+void Tracer::addSink(QIODevice* sink) {
+    m_sinks.append(sink);
+}
+
+void Tracer::received(const QByteArray& bytes) {
+    traceBytes("RX", bytes);
+}
+
+void Tracer::sent(const QByteArray& bytes) {
+    traceBytes("TX", bytes);
+}
+
+void Tracer::status(const QString& text) {
+    writeLine(QStringLiteral("# ") + text);
+}
+
+void Tracer::traceBytes(const char* direction, const QByteArray& bytes) {
+    writeLine(QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz")) + u' ' +
+              QLatin1String(direction) + u' ' + toReadable(bytes));
+}
+
+void Tracer::writeLine(const QString& line) {
+    const QByteArray text = (line + u'\n').toUtf8();
+    for (QIODevice* sink : std::as_const(m_sinks))
+        sink->write(text);
+}
+
+} // namespace larkspur::sim

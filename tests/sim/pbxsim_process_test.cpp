@@ -1,0 +1,118 @@
+#include "common/pbxsim_process.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSerialPort>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace larkspur::test;
+
+namespace {
+
+TEST(PbxSimProcess, PlaysThePbxOverTcpAndFromStandardInput) {
+    QTemporaryDir dir;
+    const QString traceFile = dir.filePath("trace.log");
+    PbxSimProcess sim({"--after", "STS", "0", "<STX>MW 101<ETX>", "--trace", traceFile});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+
+    QTcpSocket console;
+    QByteArray received;
+    QObject::connect(&console, &QTcpSocket::readyRead, [&] { received += console.readAll(); });
+    console.connectToHost(QHostAddress::LocalHost, sim.port());
+    console.write("\x05");
+    ASSERT_TRUE(waitUntil([&] { return received == "\x06"; })) << received.toHex().data();
+    console.write("\x02STS 101\x03");
+    ASSERT_TRUE(waitUntil([&] { return received.size() >= 10; }));
+    EXPECT_EQ(received, "\x06\x06\x02MW 101\x03");
+
+    sim.writeLine("<ENQ>");
+    sim.writeLine("<BAD>");
+    sim.writeLine("RQINZ     ");
+    ASSERT_TRUE(waitUntil([&] { return received.size() >= 10 + 1 + 12; }));
+    EXPECT_EQ(received.mid(10), "\x05\x02RQINZ     \x03");
+    EXPECT_TRUE(sim.standardError().startsWith("larkspur-pbxsim: "))
+        << sim.diagnostics().toStdString();
+
+    console.disconnectFromHost();
+    ASSERT_TRUE(waitUntil([&] { return sim.statusLines().contains("# disconnected"); }));
+    EXPECT_EQ(sim.traceLines(),
+              QStringList({"RX <ENQ>", "TX <ACK>", "RX <STX>STS 101<ETX>", "TX <ACK>",
+                           "TX <STX>MW 101<ETX>", "TX <ENQ>", "TX <STX>RQINZ     <ETX>"}));
+    EXPECT_EQ(sim.stop(), 0);
+
+    QFile file(traceFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    PbxSimOutput written;
+    written.feed(file.readAll());
+    EXPECT_EQ(written.traceLines(), sim.traceLines());
+    EXPECT_EQ(written.statusLines(), sim.statusLines());
+    EXPECT_TRUE(written.strayLines().isEmpty());
+}
+
+TEST(PbxSimProcess, PlaysThePbxOverAPseudoTerminal) {
+    QTemporaryDir dir;
+    const QString link = dir.filePath("pbx");
+    PbxSimProcess sim({"--pty", link});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    EXPECT_TRUE(sim.ptyPath().startsWith("/dev/pts/")) << sim.ptyPath().toStdString();
+    EXPECT_EQ(QFileInfo(link).symLinkTarget(), sim.ptyPath());
+
+    // Twice: a console that closes the port and opens it again finds the simulator still there.
+    for (int round = 0; round < 2; ++round) {
+        SCOPED_TRACE(round);
+        QSerialPort port(link);
+        ASSERT_TRUE(port.open(QIODevice::ReadWrite)) << port.errorString().toStdString();
+        QByteArray received;
+        QObject::connect(&port, &QSerialPort::readyRead, [&] { received += port.readAll(); });
+        port.write("\x05");
+        ASSERT_TRUE(waitUntil([&] { return !received.isEmpty(); }));
+        EXPECT_EQ(received, "\x06");
+    }
+    ASSERT_TRUE(sim.waitForTraceLines(4));
+    EXPECT_EQ(sim.traceLines(), QStringList({"RX <ENQ>", "TX <ACK>", "RX <ENQ>", "TX <ACK>"}));
+
+    EXPECT_EQ(sim.stop(), 0);
+    EXPECT_FALSE(QFileInfo(link).isSymLink()) << "the link goes with the simulator";
+}
+
+TEST(PbxSimProcess, ExitsWithAStatusThatSaysWhatWentWrong) {
+    QTcpServer taken;
+    ASSERT_TRUE(taken.listen(QHostAddress::LocalHost, 0));
+    const QString takenPort = "127.0.0.1:" + QString::number(taken.serverPort());
+    struct Case {
+        QStringList arguments;
+        int exitCode;
+        QString output;
+        QStringList errors;
+    } cases[] = {
+        {{"--help"}, 0, "usage: larkspur-pbxsim", {}},
+        {{"--bogus"}, 64, "", {"larkspur-pbxsim: unknown option --bogus", "usage:"}},
+        {{"--at", "soon", "X"}, 64, "", {"--at", "usage:"}},
+        {{"--listen", takenPort}, 1, "", {"cannot listen on " + takenPort}},
+        {{"--trace", "/nonexistent/dir/trace.log"}, 1, "", {"cannot write"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        QProcess process;
+        process.start(PbxSimProcess::program(), c.arguments);
+        ASSERT_TRUE(process.waitForFinished(10000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), c.exitCode);
+        const QString out = QString::fromUtf8(process.readAllStandardOutput());
+        const QString err = QString::fromUtf8(process.readAllStandardError());
+        if (c.output.isEmpty())
+            EXPECT_TRUE(out.isEmpty()) << out.toStdString();
+        else
+            EXPECT_TRUE(out.startsWith(c.output)) << out.toStdString();
+        for (const QString& expected : c.errors)
+            EXPECT_TRUE(err.contains(expected)) << err.toStdString();
+        if (c.errors.isEmpty()) {
+            EXPECT_TRUE(err.isEmpty()) << err.toStdString();
+        }
+    }
+}
+
+} // namespace

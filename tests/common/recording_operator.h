@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/qt_printers.h"
 #include "link/operator_interface.h"
 
 #include <QStringList>

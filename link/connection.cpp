@@ -1,0 +1,126 @@
+// Opening, testing and closing the link, and the wiring of the receivers.
+#include "link/event_pump.h"
+#include "link/link.h"
+#include "link/operator_interface.h"
+#include "link/pause.h"
+#include "link/serial_line.h"
+#include "link/traffic_log.h"
+
+namespace larkspur {
+
+namespace {
+// The connection test bids for the line this many times before it gives up.
+constexpr qint16 connectEnqAttempts = 10;
+} // namespace
+
+Link::Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
+           Transport& serial)
+    : m_pump(pump), m_log(log), m_operator(op), m_tcp(tcp), m_serial(serial) {
+    connect(&m_tcp, &Transport::dataReceived, this, &Link::onTcpData);
+    connect(&m_serial, &Transport::dataReceived, this, &Link::onSerialData);
+    connect(&m_serial, &Transport::carrierDetectChanged, this, &Link::onSerialCarrierDetect);
+    for (Transport* t : {&m_tcp, &m_serial}) {
+        connect(t, &Transport::linkLost, this, &Link::linkLost);
+        connect(t, &Transport::warning, this, &Link::linkWarning);
+    }
+}
+
+bool Link::isOpen() const {
+    return settings.useTcp ? m_tcp.isOpen() : m_serial.isOpen();
+}
+
+bool Link::openTcp(double connectLimitSeconds) {
+    bool portOk = false;
+    const uint port = settings.telnetPort.trimmed().toUInt(&portOk);
+    if (!portOk || port == 0 || port > 65535) {
+        m_operator.notify(QStringLiteral("TCP port \"%1\" is not a port number from 1 to 65535")
+                              .arg(settings.telnetPort));
+        return false;
+    }
+    m_tcp.close();
+    m_tcp.connectToHost(settings.ipAddress.trimmed(), quint16(port));
+
+    // No limit in the window: the loop waits for the PBX until Disconnect is pressed. A PBX
+    // that refused is asked again each second, so starting it later still connects.
+    m_connectAborted = false;
+    double waited = 0;
+    while (!m_tcp.isOpen()) {
+        m_pump.processEvents();
+        if (m_tcp.isOpen())
+            break;
+        if (m_connectAborted || (connectLimitSeconds > 0 && waited >= connectLimitSeconds)) {
+            m_tcp.close();
+            return false;
+        }
+        pause_seconds(m_pump, 1.0f);
+        waited += 1.0;
+        if (!m_tcp.isOpen() && !m_connectAborted)
+            m_tcp.connectToHost(settings.ipAddress.trimmed(), quint16(port));
+    }
+    return true;
+}
+
+bool Link::openSerial() {
+    if (settings.commPortNumber.isEmpty()) {
+        m_operator.notify(QStringLiteral("specify port"));
+        return false;
+    }
+    SerialOptions options;
+    options.lineSettings = settings.speed + QLatin1Char(',') + settings.parity + QLatin1Char(',') +
+                           settings.dataBits + QLatin1Char(',') + settings.stopBits;
+    options.dtr = settings.dtrEnabled;
+    options.rts = settings.rtsEnabled;
+    options.nullDiscard = settings.nullDiscard;
+
+    const QString device = serialDeviceName(settings.commPortNumber);
+    QString error = m_serial.applySerialOptions(options);
+    if (error.isEmpty() && !m_serial.isOpen())
+        error = m_serial.openPort(device);
+    if (!error.isEmpty()) {
+        m_serial.close();
+        m_operator.notify(QStringLiteral("Cannot open serial port %1: %2").arg(device, error));
+        return false;
+    }
+    m_log.logLine(QStringLiteral("Connecting..."));
+    Q_EMIT recordingStopped();
+    return true;
+}
+
+bool Link::testLink() {
+    if (pmsMode == u"VMAIL") {
+        const QString frame = build_vmail_message(QStringLiteral("1"), QString(), QString());
+        if (settings.useTcp)
+            m_log.logLine(QStringLiteral("Connecting..."));
+        send_text(frame);
+        m_log.logLine(frame);
+        return poll_for_ack(false);
+    }
+    qint16 attempts = connectEnqAttempts;
+    return send_enq_counted(attempts);
+}
+
+Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
+    const bool opened = settings.useTcp ? openTcp(connectLimitSeconds) : openSerial();
+    if (!opened)
+        return ConnectResult::NotOpened;
+    if (!testLink()) {
+        m_log.logLine(QStringLiteral("No response from PBX"));
+        return ConnectResult::NoResponse;
+    }
+    m_log.logLine(QStringLiteral("Connected..."));
+    Q_EMIT connected();
+    Q_EMIT recordingStopped();
+    return ConnectResult::Connected;
+}
+
+void Link::cmd_disconnect() {
+    m_connectAborted = true;
+    if (settings.useTcp)
+        m_tcp.close();
+    else if (m_serial.isOpen())
+        m_serial.close();
+    m_log.logLine(QStringLiteral("Disconnected..."));
+    Q_EMIT disconnected();
+}
+
+} // namespace larkspur

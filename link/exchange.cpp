@@ -1,0 +1,110 @@
+// The ENQ/ACK exchange: waits that judge what the receiver recorded, and the line bid.
+#include "link/event_pump.h"
+#include "link/frame.h"
+#include "link/link.h"
+#include "link/pause.h"
+#include "link/traffic_log.h"
+
+namespace larkspur {
+
+namespace {
+constexpr float ackTimeoutSeconds = 5.0f;
+constexpr float ackPollStepSeconds = 0.1f;
+constexpr int pollAttempts = 5;
+constexpr int enqAttempts = 5;
+
+QString enqText() {
+    return QString(QChar(ctl::ENQ));
+}
+} // namespace
+
+void Link::send_text(const QString& text) {
+    Transport& transport = activeTransport();
+    if (transport.isOpen())
+        transport.write(text.toLatin1());
+}
+
+void Link::wait_for_ack(bool show) {
+    ackReceived = false;
+    waitingForAck = true;
+    ackFailed = false;
+
+    // Compared in single precision, and not corrected for midnight: a wait that starts in the
+    // last 5 s of the day ends only on an answer.
+    const float deadline = float(m_pump.secondsSinceMidnight() + ackTimeoutSeconds);
+    bool timedOut = false;
+    for (;;) {
+        m_pump.processEvents();
+        if (ackReceived)
+            break;
+        if (deadline < float(m_pump.secondsSinceMidnight())) {
+            timedOut = true;
+            break;
+        }
+        pause_seconds(m_pump, ackPollStepSeconds);
+    }
+    waitingForAck = false;
+
+    if (timedOut) {
+        if (show)
+            m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
+        ackFailed = true;
+    } else if (lastControl != u"ACK") {
+        if (show) {
+            m_log.logLine(QStringLiteral("ERROR: DID NOT RECIEVE ACK FROM PBX"));
+            m_log.logLine(QStringLiteral("       -> RECEIVED ") + lastControl +
+                          QStringLiteral(" INSTEAD"));
+        }
+        ackFailed = true;
+    }
+}
+
+bool Link::poll_for_ack(bool show) {
+    waitingForAck = true;
+    for (int attempt = 1; attempt <= pollAttempts; ++attempt) {
+        m_pump.processEvents();
+        // Not cleared first: whatever the receiver recorded last answers the poll.
+        if (lastControl == u"ACK") {
+            waitingForAck = false;
+            return true;
+        }
+        pause_seconds(m_pump, 1.0f);
+    }
+    waitingForAck = false;
+    if (show)
+        m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
+    return false;
+}
+
+void Link::send_enq() {
+    if (waitingForAck)
+        return;
+    for (int attempt = 1; attempt <= enqAttempts; ++attempt) {
+        m_log.logLine(QStringLiteral("Sending -->    ENQ"));
+        send_text(enqText());
+        wait_for_ack(false);
+        if (!ackFailed)
+            return;
+    }
+}
+
+bool Link::send_enq_counted(qint16& attemptsLeft) {
+    if (waitingForAck)
+        return false;
+    for (;;) {
+        m_log.logLine(QStringLiteral("Sending -->    ENQ"));
+        send_text(enqText());
+        if (poll_for_ack(false))
+            return true;
+        --attemptsLeft;
+        if (attemptsLeft == 0)
+            return false;
+    }
+}
+
+void Link::cmd_ack() {
+    m_log.logLine(QStringLiteral("Sending -->    ACK"));
+    send_text(QString(QChar(ctl::ACK)));
+}
+
+} // namespace larkspur

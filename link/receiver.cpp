@@ -1,0 +1,123 @@
+// The two receive handlers. Each wake-up of a transport is one message: it is logged, named in
+// lastControl for whatever wait runs, and a few PBX messages are acknowledged at once. The
+// serial and TCP handlers differ on purpose in the details noted below.
+#include "link/frame.h"
+#include "link/link.h"
+#include "link/traffic_log.h"
+
+namespace larkspur {
+
+namespace {
+const QString received = QStringLiteral("Received--> ");
+
+QString one(char16_t c) {
+    return QString(QChar(c));
+}
+
+QString rqinz() {
+    return plain_frame(QStringLiteral("RQINZ     "));
+}
+
+// The PBX's own data messages that it expects acknowledged.
+bool needsAck(const QString& text) {
+    static const QString heads[] = {QStringLiteral("MR 0001"), QStringLiteral("ALT1"),
+                                    QStringLiteral("STS"), QStringLiteral("MW")};
+    for (const QString& head : heads)
+        if (text.startsWith(start_of_text() + head))
+            return true;
+    return false;
+}
+
+// Blanks only, as the PBX pads with blanks; other white space is part of the message.
+QString trimBlanks(const QString& text) {
+    qsizetype begin = 0, end = text.size();
+    while (begin < end && text.at(begin) == QLatin1Char(' '))
+        ++begin;
+    while (end > begin && text.at(end - 1) == QLatin1Char(' '))
+        --end;
+    return text.mid(begin, end - begin);
+}
+} // namespace
+
+void Link::onSerialCarrierDetect() {
+    ackReceived = true;
+    m_log.logLine(QStringLiteral(" Comm Event Fired 5"));
+    lastControl = QStringLiteral("Comm Event Fired ");
+}
+
+void Link::onSerialData() {
+    ackReceived = true;
+    receive(QString::fromLatin1(m_serial.readAll()), Receiver::Serial);
+}
+
+void Link::onTcpData() {
+    ackReceived = true;
+    const QString text = trimBlanks(QString::fromLatin1(m_tcp.readAll()));
+    if (text == QString::fromLatin1("\xFF\xFB\x01")) {
+        // The server offers to echo: the connection is still being set up.
+        m_log.logLine(QStringLiteral("Connecting..."));
+        return;
+    }
+    receive(text, Receiver::Tcp);
+}
+
+void Link::logVmailStatus(const QString& text, Receiver receiver) {
+    const QString code = text.mid(1, 1);
+    if (code == u"1") {
+        m_log.logLine(QStringLiteral("PBX REQUESTS RESYNCHRONIZE"));
+    } else if (code == u"5") {
+        // The mailbox stands between the code and ETX + check character; a text too short to
+        // hold one is left to the table below.
+        if (text.size() >= 5 || receiver == Receiver::Serial)
+            m_log.logLine(QStringLiteral("BAD MAILBOX ADDRESS: ") +
+                          text.mid(2, qMax<qsizetype>(0, text.size() - 5)));
+    } else if (code == u"4") {
+        m_log.logLine(QStringLiteral("MESSAGE WAITING STATUS: ") + text.mid(2, 6) +
+                      QStringLiteral("NEW: ") + text.mid(8, 2) + QStringLiteral(" URGENT: ") +
+                      text.mid(10, 2));
+    }
+}
+
+void Link::receive(QString text, Receiver receiver) {
+    if (pmsMode != u"HOTEL")
+        logVmailStatus(text, receiver);
+
+    if (text == one(ctl::ACK)) {
+        m_log.logLine(pmsMode == u"HOTEL" ? received + QStringLiteral("ACK")
+                                          : QStringLiteral("PBX ACKed"));
+        lastControl = QStringLiteral("ACK");
+        vmailAcked = true;
+    } else if (text == one(ctl::ENQ)) {
+        m_log.logLine(received + QStringLiteral("ENQ"));
+        lastControl = QStringLiteral("ENQ");
+        // Over TCP the PBX's line bid is granted at once; over serial it is only logged.
+        if (receiver == Receiver::Tcp)
+            cmd_ack();
+    } else if (text == one(ctl::NAK)) {
+        m_log.logLine(received + QStringLiteral("NAK"));
+        lastControl = QStringLiteral("NAK");
+    } else if (text == rqinz()) {
+        m_log.logLine(received + QStringLiteral("RQINZ     "));
+        lastControl = receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");
+    } else if (receiver == Receiver::Tcp && text.isEmpty()) {
+        // Nothing but blanks arrived over TCP: not logged, lastControl kept.
+    } else {
+        m_log.logLine(received + text);
+        lastControl = text;
+        if (needsAck(text))
+            cmd_ack();
+    }
+}
+
+qsizetype find_position_of_next_message(qsizetype start, const QString& text) {
+    for (qsizetype pos = qMax<qsizetype>(0, start); pos < text.size(); ++pos) {
+        if (text.at(pos) == QLatin1Char('\r') && pos + 1 < text.size() &&
+            text.at(pos + 1) == QLatin1Char('\n'))
+            return pos + 2;
+        if (text.at(pos) == QChar(ctl::ETX))
+            return pos;
+    }
+    return text.size();
+}
+
+} // namespace larkspur

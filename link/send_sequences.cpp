@@ -1,0 +1,69 @@
+// The two ways a transaction reaches the PBX: the hotel line bid with retried frames, and the
+// voice-mail frame judged after a fixed pause.
+#include "link/event_pump.h"
+#include "link/frame.h"
+#include "link/link.h"
+#include "link/pause.h"
+#include "link/traffic_log.h"
+#include "link/vmail_frame.h"
+
+namespace larkspur {
+
+namespace {
+constexpr int frameAttempts = 5;
+constexpr float vmailAnswerSeconds = 2.0f;
+const QString enqFailure = QStringLiteral(" PBX DID NOT ACKnowkledge ENQ message");
+} // namespace
+
+QString Link::build_vmail_message(const QString& code, const QString& field1,
+                                  const QString& field2) {
+    return larkspur::build_vmail_message(code, field1, field2, protocolType, m_log);
+}
+
+void Link::recordError(const QString& record, bool counts) {
+    errorReport += record;
+    if (counts)
+        ++errorCount;
+}
+
+Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QString& body,
+                                        int& attempt) {
+    send_enq();
+    if (ackFailed) {
+        const QString stamp = Time_of_error(m_pump.currentDateTime());
+        m_log.logLine(rule.enqFailureLogTimed ? stamp + enqFailure : enqFailure);
+        recordError(stamp + enqFailure + QLatin1Char('\n'), rule.enqFailureCounts);
+        return SendResult::Failed;
+    }
+    for (;;) {
+        m_log.logLine(rule.logPrefix + body);
+        send_text(plain_frame(body));
+        wait_for_ack(false);
+        const bool acknowledged = rule.ackNeedsPoll ? poll_for_ack(false) : !ackFailed;
+        if (acknowledged)
+            return SendResult::Acknowledged;
+        if (++attempt > frameAttempts) {
+            const QString stamp = Time_of_error(m_pump.currentDateTime());
+            m_log.logLine(stamp + rule.failureSentence);
+            m_log.logLine(body);
+            recordError(stamp + rule.failureSentence + QLatin1Char('\n') + body +
+                            QStringLiteral("\n\n"),
+                        true);
+            return SendResult::Failed;
+        }
+    }
+}
+
+bool Link::sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess) {
+    vmailAcked = false;
+    m_log.logLine(logLine);
+    send_text(frame);
+    pause_seconds(m_pump, vmailAnswerSeconds);
+    if (!vmailAcked)
+        m_log.logLine(QStringLiteral("DID NOT RECEIVE ACK FROM PBX!"));
+    else if (logSuccess)
+        m_log.logLine(QStringLiteral("PBX ACKed"));
+    return vmailAcked;
+}
+
+} // namespace larkspur

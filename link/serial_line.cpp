@@ -1,0 +1,74 @@
+#include "link/serial_line.h"
+
+#include <QStringList>
+
+namespace larkspur {
+
+bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 4) {
+        error = QStringLiteral("line settings \"%1\" are not speed,parity,data bits,stop bits")
+                    .arg(text);
+        return false;
+    }
+    bool ok = false;
+    const int baud = parts[0].trimmed().toInt(&ok);
+    if (!ok || baud <= 0) {
+        error = QStringLiteral("speed \"%1\" is not a number of bits per second").arg(parts[0]);
+        return false;
+    }
+    SerialLine result;
+    result.baudRate = baud;
+
+    const QString parity = parts[1].trimmed().toUpper();
+    if (parity == u"N")
+        result.parity = QSerialPort::NoParity;
+    else if (parity == u"E")
+        result.parity = QSerialPort::EvenParity;
+    else if (parity == u"O")
+        result.parity = QSerialPort::OddParity;
+    else if (parity == u"M")
+        result.parity = QSerialPort::MarkParity;
+    else if (parity == u"S")
+        result.parity = QSerialPort::SpaceParity;
+    else {
+        error = QStringLiteral("parity \"%1\" is not one of E, M, N, O, S").arg(parts[1]);
+        return false;
+    }
+
+    const int data = parts[2].trimmed().toInt(&ok);
+    if (!ok || data < 4 || data > 8) {
+        error = QStringLiteral("data bits \"%1\" are not 4 to 8").arg(parts[2]);
+        return false;
+    }
+    result.dataBits = data;
+
+    const QString stop = parts[3].trimmed();
+    if (stop == u"1")
+        result.stopBits = QSerialPort::OneStop;
+    else if (stop == u"1.5")
+        result.stopBits = QSerialPort::OneAndHalfStop;
+    else if (stop == u"2")
+        result.stopBits = QSerialPort::TwoStop;
+    else {
+        error = QStringLiteral("stop bits \"%1\" are not 1, 1.5 or 2").arg(parts[3]);
+        return false;
+    }
+    line = result;
+    return true;
+}
+
+QString serialDeviceName(const QString& commPortNumber) {
+    const QString text = commPortNumber.trimmed();
+    bool numeric = false;
+    const int n = text.toInt(&numeric);
+    if (!numeric || n < 1)
+        return text;
+#ifdef Q_OS_WIN
+    return QStringLiteral("COM%1").arg(n);
+#else
+    return QStringLiteral("/dev/ttyS%1").arg(n - 1);
+#endif
+}
+
+} // namespace larkspur

@@ -1,0 +1,131 @@
+#include "common/link_fixture.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+
+namespace {
+
+class Exchange : public LinkFixture {};
+
+TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
+    tcpPbx.onEnq = Answer::Nak;
+    link.send_enq();
+    EXPECT_TRUE(link.ackFailed);
+    EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
+    EXPECT_LE(pump.elapsedMs(), 5 * 100) << "each answer ends its wait at the next 0.1 s step";
+    EXPECT_EQ(lines().count("Sending -->    ENQ"), 5);
+    EXPECT_EQ(lines().count("Received--> NAK"), 5);
+    EXPECT_FALSE(lines().contains("ERROR: WAITING FOR ACK - TIMEOUT")) << "no error lines";
+    EXPECT_FALSE(link.waitingForAck);
+}
+
+TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
+    tcpPbx.onEnq = Answer::Silent;
+    link.send_enq();
+    EXPECT_TRUE(link.ackFailed);
+    EXPECT_EQ(tcp.written.size(), 5);
+    EXPECT_GE(pump.elapsedMs(), 5 * 5000);
+    EXPECT_LE(pump.elapsedMs(), 5 * 5100);
+}
+
+TEST_F(Exchange, EnqAckedAtFirstAttempt) {
+    link.send_enq();
+    EXPECT_FALSE(link.ackFailed);
+    EXPECT_EQ(tcp.written, QList<QByteArray>{ENQ});
+    EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK"}));
+}
+
+TEST_F(Exchange, SendEnqDoesNothingWhileWaiting) {
+    link.waitingForAck = true;
+    link.ackFailed = true;
+    link.send_enq();
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_TRUE(link.ackFailed) << "left as it was";
+    qint16 n = 10;
+    EXPECT_FALSE(link.send_enq_counted(n));
+    EXPECT_TRUE(tcp.written.isEmpty());
+}
+
+TEST_F(Exchange, WaitForAckErrorLines) {
+    struct Case {
+        const char* name;
+        Answer answer;
+        bool failed;
+        QStringList shown;
+    } cases[] = {
+        {"ack", Answer::Ack, false, {"Received--> ACK"}},
+        {"nak",
+         Answer::Nak,
+         true,
+         {"Received--> NAK", "ERROR: DID NOT RECIEVE ACK FROM PBX",
+          "       -> RECEIVED NAK INSTEAD"}},
+        {"silent", Answer::Silent, true, {"ERROR: WAITING FOR ACK - TIMEOUT"}},
+    };
+    for (auto& c : cases) {
+        LinkFixture::SetUp();
+        log = TrafficLog();
+        tcpPbx.onEnq = c.answer;
+        link.send_text(QString(QChar(5)));
+        link.wait_for_ack(true);
+        EXPECT_EQ(link.ackFailed, c.failed) << c.name;
+        EXPECT_EQ(lines(), c.shown) << c.name;
+    }
+}
+
+TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
+    link.lastControl = "ACK";
+    tcpPbx.onEnq = Answer::Silent;
+    EXPECT_TRUE(link.poll_for_ack(true));
+    EXPECT_EQ(pump.elapsedMs(), 0);
+    EXPECT_FALSE(link.waitingForAck);
+}
+
+TEST_F(Exchange, PollGivesUpAfterFiveSeconds) {
+    link.lastControl = "NAK";
+    EXPECT_FALSE(link.poll_for_ack(true));
+    EXPECT_EQ(pump.elapsedMs(), 5000);
+    EXPECT_EQ(lines(), QStringList{"ERROR: WAITING FOR ACK - TIMEOUT"});
+    EXPECT_FALSE(link.waitingForAck);
+}
+
+TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
+    VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 57)));
+    TrafficLog log;
+    RecordingOperator op;
+    FakeTransport tcp(pump, "tcp"), serial(pump, "serial");
+    Link link(pump, log, op, tcp, serial);
+    tcp.connectToHost("h", 1);
+    pump.processEvents();
+    tcp.deliver(ACK, 60'000);
+    link.wait_for_ack(true);
+    EXPECT_FALSE(link.ackFailed);
+    EXPECT_GE(pump.elapsedMs(), 60'000);
+}
+
+TEST_F(Exchange, ConnectionTestAgainstARefusingPbxSendsTenEnqs) {
+    tcpPbx.onEnq = Answer::Nak;
+    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NoResponse);
+    EXPECT_EQ(tcp.written, QList<QByteArray>(10, ENQ));
+    EXPECT_EQ(lines().last(), "No response from PBX");
+    EXPECT_FALSE(lines().contains("Connecting...")) << "the HOTEL test over TCP writes none";
+    EXPECT_TRUE(tcp.isOpen()) << "the socket stays open";
+}
+
+TEST_F(Exchange, SendTextDropsTextWhileClosed) {
+    useSerial();
+    serial.close();
+    link.send_text("\x02"
+                   "CHK1   101\x03");
+    EXPECT_TRUE(serial.written.isEmpty());
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_TRUE(log.logText().isEmpty());
+}
+
+TEST_F(Exchange, TextGoesOutOneByteACharacter) {
+    link.send_text(QString("A") + QChar(0xE9) + QChar(0x0141) + QChar(0));
+    ASSERT_EQ(tcp.written.size(), 1);
+    EXPECT_EQ(tcp.written[0], QByteArray("A\xE9?\0", 4)) << "Latin-1; others become '?'";
+}
+
+} // namespace

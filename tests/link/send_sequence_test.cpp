@@ -1,0 +1,121 @@
+#include "common/link_fixture.h"
+
+#include "link/frame.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+
+namespace {
+
+const HotelMessageRule checkIn{
+    "Sending     -->", "-> PBX DID NOT ACKnowkledge the Check in message:", true, true, true};
+const HotelMessageRule checkOut{
+    "Sending   -->", "-> PBX DID NOT ACKnowkledge the Check out message:", false, true, true};
+const HotelMessageRule restriction{
+    "Sending  -->", "-> PBX DID NOT ACKnowkledge the RST message:", false, false, false};
+
+class SendSequence : public LinkFixture {
+protected:
+    QString stamp() const { return Time_of_error(pump.currentDateTime()); }
+};
+
+TEST_F(SendSequence, AcknowledgedAtOnce) {
+    int attempt = 1;
+    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt),
+              Link::SendResult::Acknowledged);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK0   101")}));
+    EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK",
+                                    "Sending   -->CHK0   101", "Received--> ACK"}));
+    EXPECT_EQ(link.errorCount, 0);
+    EXPECT_EQ(attempt, 1);
+}
+
+TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
+    tcpPbx.onFrame = Answer::Nak;
+    int attempt = 1;
+    EXPECT_EQ(link.sendHotelMessage(checkIn, "CHK1   101", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ}) + QList<QByteArray>(5, frame("CHK1   101")));
+    // one ENQ round trip, then 5 x (0.1 s answer + 5 x 1 s polls)
+    EXPECT_NEAR(pump.elapsedMs(), 100 + 5 * 5100, 200);
+    const QString s = stamp();
+    EXPECT_EQ(lines().mid(lines().size() - 2),
+              QStringList({s + "-> PBX DID NOT ACKnowkledge the Check in message:", "CHK1   101"}));
+    EXPECT_EQ(link.errorReport,
+              s + "-> PBX DID NOT ACKnowkledge the Check in message:\nCHK1   101\n\n");
+    EXPECT_EQ(link.errorCount, 1);
+}
+
+TEST_F(SendSequence, FrameNakedWithoutPollFailsQuickly) {
+    tcpPbx.onFrame = Answer::Nak;
+    int attempt = 1;
+    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
+    EXPECT_LE(pump.elapsedMs(), 6 * 100);
+}
+
+TEST_F(SendSequence, RetryCounterIsSharedAcrossOneClick) {
+    tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack, Answer::Nak,
+                               Answer::Nak, Answer::Nak, Answer::Nak};
+    int attempt = 1;
+    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt),
+              Link::SendResult::Acknowledged);
+    EXPECT_EQ(attempt, 2);
+    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   102", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
+    EXPECT_EQ(link.errorCount, 1);
+}
+
+TEST_F(SendSequence, EnqFailureRecordsByRule) {
+    struct Case {
+        HotelMessageRule rule;
+        bool timedLog;
+        qint16 count;
+    } cases[] = {{checkIn, true, 1}, {restriction, false, 0}};
+    for (auto& c : cases) {
+        SetUp();
+        log = TrafficLog();
+        link.errorReport.clear();
+        link.errorCount = 0;
+        tcpPbx.onEnq = Answer::Silent;
+        int attempt = 1;
+        EXPECT_EQ(link.sendHotelMessage(c.rule, "X", attempt), Link::SendResult::Failed);
+        const QString s = stamp();
+        EXPECT_EQ(lines().last(),
+                  (c.timedLog ? s : QString()) + " PBX DID NOT ACKnowkledge ENQ message");
+        EXPECT_EQ(link.errorReport, s + " PBX DID NOT ACKnowkledge ENQ message\n");
+        EXPECT_EQ(link.errorCount, c.count);
+        EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ)) << "no frame after a refused bid";
+    }
+}
+
+TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
+    struct Case {
+        Answer answer;
+        bool logSuccess;
+        QStringList after;
+    } cases[] = {
+        {Answer::Ack, true, {"CHECK OUT: 4001", "PBX ACKed", "PBX ACKed"}},
+        {Answer::Ack, false, {"CHECK IN: 4001", "PBX ACKed"}},
+        {Answer::Silent, true, {"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}},
+        {Answer::Nak,
+         false,
+         {"CHECK IN: 4001", "Received--> NAK", "DID NOT RECEIVE ACK FROM PBX!"}},
+    };
+    for (auto& c : cases) {
+        SetUp();
+        log = TrafficLog();
+        link.pmsMode = "VMAIL";
+        tcpPbx.onFrame = c.answer;
+        const qint64 start = pump.elapsedMs();
+        const QString f = link.build_vmail_message("3", "4001", "");
+        const bool acked = link.sendVmailFrame(f, c.after.first(), c.logSuccess);
+        EXPECT_EQ(acked, c.answer == Answer::Ack);
+        EXPECT_EQ(lines(), c.after);
+        EXPECT_EQ(pump.elapsedMs() - start, 2000);
+        EXPECT_EQ(tcp.written.last(), f.toLatin1());
+        EXPECT_EQ(link.errorCount, 0);
+    }
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "link/link.h"
+#include "link/traffic_log.h"
+#include "transactions/fields.h"
+
+#include <QObject>
+#include <QString>
+
+namespace larkspur {
+
+class EventPump;
+class OperatorInterface;
+class Transport;
+
+// The one home of the console's state: the link and its flags, the traffic log, the input
+// fields, the error mode, the script being recorded. The window only shows and drives it; the
+// script runner and the headless player drive it the same way. Each operation is named after
+// the control that starts it.
+class Session : public QObject {
+    Q_OBJECT
+public:
+    Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial);
+
+    EventPump& pump;
+    OperatorInterface& operatorInterface;
+    TrafficLog log;
+    Link link;
+    Fields fields;
+
+    // "Error Mode": fields go out as typed, untrimmed and unchecked.
+    bool errorMode = false;
+    // Script recording: each acknowledged transaction appends its line.
+    bool recording = false;
+    QString scriptText;
+    // Set by Stop, Cancel and Disconnect; a running script stops at its next step.
+    bool stopScript = false;
+    // The last voice-mail frame sent (all operations but the mailbox check-in).
+    QString lastVmailMessage;
+    // The text chosen in the restriction list (empty when nothing is chosen).
+    QString cmb_restrict;
+
+    // Guest check-in and check-out.
+    void cmd_chk_in();
+    void cmd_chk_out();
+    // Guest names.
+    void cmd_name_1();
+    void cmd_replace_name();
+    void Command6();
+    void cmd_xfer_name();
+    // Message waiting, credit, wake-up, restriction.
+    void cmd_msg_wait();
+    void cmd_message_waiting_0();
+    void cmd_set_credit();
+    void cmd_wakeup();
+    void cmb_restrict_Click();
+    void send_station_restriction(const QString& level);
+    // Departments and locations.
+    void cmd_dept();
+    void cmd_department_2();
+    void cmd_department_3();
+    void cmd_loc();
+    void cmd_location_2();
+    void cmd_location_3();
+    // Linked suites.
+    void cmd_ste0();
+    void cmd_ste1();
+    void cmd_ste2();
+    void cmd_ste3();
+    void cmd_ste4();
+    void cmd_ste5();
+    void cmd_ste6();
+    void cmd_ste7();
+    void cmd_ste8();
+    void cmd_steA();
+    void cmd_steB();
+    void cmd_ste_explain();
+    void send_linked_suite(const QString& code);
+    void send_linked_suite_pilot(const QString& code);
+
+    // Appends one line (CR LF added) to the script being recorded, when recording.
+    void record(const QString& line);
+};
+
+} // namespace larkspur

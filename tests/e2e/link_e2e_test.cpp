@@ -1,0 +1,132 @@
+// The link against the real simulator process, over loopback TCP and over a pty pair.
+#include "common/pbxsim_process.h"
+#include "common/recording_operator.h"
+#include "link/link.h"
+#include "link/qt_event_pump.h"
+#include "link/serial_transport.h"
+#include "link/tcp_transport.h"
+#include "link/traffic_log.h"
+
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+using namespace larkspur::test;
+
+namespace {
+
+class LinkEndToEnd : public ::testing::Test {
+protected:
+    QtEventPump pump;
+    TrafficLog log;
+    RecordingOperator op;
+    TcpTransport tcp;
+    SerialTransport serial;
+    Link link{pump, log, op, tcp, serial};
+
+    QStringList lines() const {
+        QStringList l = log.logText().split(QStringLiteral("\r\n"));
+        l.removeAll(QString());
+        return l;
+    }
+    void overTcp(const PbxSimProcess& sim) {
+        link.settings.useTcp = true;
+        link.settings.ipAddress = "127.0.0.1";
+        link.settings.telnetPort = QString::number(sim.port());
+    }
+    void overPty(const PbxSimProcess& sim) {
+        link.settings.useTcp = false;
+        link.settings.commPortNumber = sim.ptyPath();
+        link.settings.speed = "9600";
+        link.settings.parity = "N";
+        link.settings.dataBits = "8";
+        link.settings.stopBits = "1";
+    }
+    bool logged(const QString& line) {
+        return waitUntil([&] { return lines().contains(line); });
+    }
+};
+
+TEST_F(LinkEndToEnd, ConnectOverTcpInHotelMode) {
+    PbxSimProcess sim;
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    overTcp(sim);
+    ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
+    EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK", "Connected..."}));
+    ASSERT_TRUE(sim.waitForTraceLines(2));
+    EXPECT_EQ(sim.traceLines(), QStringList({"RX <ENQ>", "TX <ACK>"}));
+}
+
+TEST_F(LinkEndToEnd, ConnectOverTcpInVmailMode) {
+    PbxSimProcess sim({"--mode", "VMAIL"});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    overTcp(sim);
+    link.pmsMode = "VMAIL";
+    link.protocolType = "HIS";
+    ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
+    EXPECT_EQ(lines(), QStringList({"Connecting...", "12", "PBX ACKed", "Connected..."}));
+    ASSERT_TRUE(sim.waitForTraceLines(2));
+    EXPECT_EQ(sim.traceLines(), QStringList({"RX <STX>1<ETX>2", "TX <ACK>"}));
+}
+
+TEST_F(LinkEndToEnd, ConnectOverAPtyAsASerialPort) {
+    PbxSimProcess sim({"--pty"});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    overPty(sim);
+    ASSERT_EQ(link.cmd_connect(), Link::ConnectResult::Connected)
+        << op.notices.join("; ").toStdString();
+    EXPECT_EQ(lines(), QStringList({"Connecting...", "Sending -->    ENQ", "Received--> ACK",
+                                    "Connected..."}));
+    ASSERT_TRUE(sim.waitForTraceLines(2));
+    EXPECT_EQ(sim.traceLines(), QStringList({"RX <ENQ>", "TX <ACK>"}));
+    link.cmd_disconnect();
+    EXPECT_FALSE(link.isOpen());
+}
+
+TEST_F(LinkEndToEnd, EnqFromThePbxIsAnsweredOverTcpOnly) {
+    PbxSimProcess tcpSim;
+    ASSERT_TRUE(tcpSim.start()) << tcpSim.diagnostics().toStdString();
+    overTcp(tcpSim);
+    ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
+    tcpSim.writeLine("<ENQ>");
+    ASSERT_TRUE(tcpSim.waitForTraceLines(4)) << tcpSim.traceLines().join(", ").toStdString();
+    EXPECT_EQ(tcpSim.traceLines().mid(2), QStringList({"TX <ENQ>", "RX <ACK>"}));
+    EXPECT_EQ(lines().mid(3), QStringList({"Received--> ENQ", "Sending -->    ACK"}));
+    link.cmd_disconnect();
+
+    log = TrafficLog();
+    PbxSimProcess ptySim({"--pty"});
+    ASSERT_TRUE(ptySim.start()) << ptySim.diagnostics().toStdString();
+    overPty(ptySim);
+    ASSERT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
+    ptySim.writeLine("<ENQ>");
+    ASSERT_TRUE(logged("Received--> ENQ")) << lines().join(", ").toStdString();
+    // The answer would already be on its way; give it a moment to show up in the trace.
+    waitUntil([] { return false; }, 200);
+    EXPECT_EQ(ptySim.traceLines(), QStringList({"RX <ENQ>", "TX <ACK>", "TX <ENQ>"}));
+    EXPECT_FALSE(lines().contains("Sending -->    ACK"));
+}
+
+TEST_F(LinkEndToEnd, UnsolicitedStatusIsAcknowledgedOverTheWire) {
+    // Sent once the connection test is over (the connect loop itself takes a second).
+    PbxSimProcess sim({"--at", "1.5", "STS1   101"});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    overTcp(sim);
+    ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
+    ASSERT_TRUE(sim.waitForTraceLines(4)) << sim.traceLines().join(", ").toStdString();
+    EXPECT_EQ(sim.traceLines().mid(2), QStringList({"TX <STX>STS1   101<ETX>", "RX <ACK>"}));
+    EXPECT_EQ(link.lastControl, QString("\x02STS1   101\x03"));
+}
+
+TEST_F(LinkEndToEnd, PbxThatGoesAwayIsReported) {
+    auto sim = std::make_unique<PbxSimProcess>();
+    ASSERT_TRUE(sim->start());
+    overTcp(*sim);
+    ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
+    QString reason;
+    QObject::connect(&link, &Link::linkLost, [&](const QString& r) { reason = r; });
+    sim.reset();
+    EXPECT_TRUE(waitUntil([&] { return !reason.isEmpty(); }));
+    EXPECT_FALSE(link.isOpen());
+}
+
+} // namespace

@@ -2,6 +2,7 @@
 
 #include "link/link.h"
 #include "link/traffic_log.h"
+#include "transactions/controls.h"
 #include "transactions/fields.h"
 
 #include <QObject>
@@ -27,6 +28,7 @@ public:
     TrafficLog log;
     Link link;
     Fields fields;
+    Controls controls;
 
     // "Error Mode": fields go out as typed, untrimmed and unchecked.
     bool errorMode = false;
@@ -80,6 +82,26 @@ public:
 
     // Appends one line (CR LF added) to the script being recorded, when recording.
     void record(const QString& line);
+
+    // The window's modes, menus and enabling rules.
+    void set_hotel_labels();
+    void set_vmail_labels();
+    void disable_transaction_controls();
+    void enable_transaction_controls();
+    void mnuHotel_Click();
+    void mnuVoiceMail_Click();
+    void mnu_HIS_Click();
+    void mnu_Hyatt_Click();
+    void chk_error_Click(bool checked);
+    void chk_linked_suite_Click(bool checked);
+    void chk_manual_Click(bool checked);
+    void cmd_clear();
+    // Ticks the menus for the stored mode, protocol and transport and relabels for the mode.
+    void applyModeAndLinkChoice();
+
+    // Connect and Disconnect buttons: the link's own, plus the buttons they switch.
+    Link::ConnectResult cmd_connect(double connectLimitSeconds = 0);
+    void cmd_disconnect();
 };
 
 } // namespace larkspur

@@ -48,7 +48,8 @@ bool Link::openTcp(double connectLimitSeconds) {
         m_pump.processEvents();
         if (m_tcp.isOpen())
             break;
-        if (m_connectAborted || (connectLimitSeconds > 0 && waited >= connectLimitSeconds)) {
+        if (m_connectAborted || m_pump.stopRequested() ||
+            (connectLimitSeconds > 0 && waited >= connectLimitSeconds)) {
             m_tcp.close();
             return false;
         }

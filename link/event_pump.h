@@ -22,6 +22,15 @@ public:
     // Returns true as soon as an event is pending (without handling it necessarily), or false
     // once `milliseconds` have passed with none. With 0 it only looks.
     virtual bool waitForEvent(int milliseconds) = 0;
+
+    // Asked when the console closes: every pause and wait then ends at its next look, so the
+    // nested waits unwind before anything is torn down.
+    void requestStop() { m_stopRequested = true; }
+    void clearStop() { m_stopRequested = false; }
+    bool stopRequested() const { return m_stopRequested; }
+
+private:
+    bool m_stopRequested = false;
 };
 
 } // namespace larkspur

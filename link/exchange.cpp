@@ -37,7 +37,7 @@ void Link::wait_for_ack(bool show) {
         m_pump.processEvents();
         if (ackReceived)
             break;
-        if (deadline < float(m_pump.secondsSinceMidnight())) {
+        if (deadline < float(m_pump.secondsSinceMidnight()) || m_pump.stopRequested()) {
             timedOut = true;
             break;
         }
@@ -68,6 +68,8 @@ bool Link::poll_for_ack(bool show) {
             waitingForAck = false;
             return true;
         }
+        if (m_pump.stopRequested())
+            break;
         pause_seconds(m_pump, 1.0f);
     }
     waitingForAck = false;
@@ -97,14 +99,9 @@ bool Link::send_enq_counted(qint16& attemptsLeft) {
         if (poll_for_ack(false))
             return true;
         --attemptsLeft;
-        if (attemptsLeft == 0)
+        if (attemptsLeft == 0 || m_pump.stopRequested())
             return false;
     }
-}
-
-void Link::cmd_ack() {
-    m_log.logLine(QStringLiteral("Sending -->    ACK"));
-    send_text(QString(QChar(ctl::ACK)));
 }
 
 } // namespace larkspur

@@ -74,8 +74,11 @@ public:
     bool send_enq_counted(qint16& attemptsLeft);
 
     // The hotel sequence for one message after the caller's guard: ENQ, then the frame until
-    // acknowledged. `attempt` is shared by every message of one click.
+    // acknowledged. `attempt` is shared by every message of one click. The failure lines show
+    // `reportedText`, which is the body but for the wake-up call.
     SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt);
+    SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt,
+                                const QString& reportedText);
     // The voice-mail sequence: send the frame, pause 2 s, report the ACK. Returns whether it came.
     bool sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess);
     // Appends a record to errorReport and counts it.
@@ -88,7 +91,14 @@ public:
     bool isOpen() const;
     Transport& activeTransport() { return settings.useTcp ? m_tcp : m_serial; }
 
+    // The manual link commands: one control character or link-level message each, no wait.
+    // ACK and ENQ have no guard so they can answer the PBX while a sender waits.
     void cmd_ack();
+    void cmd_nak();
+    void cmd_enquiry_basic();
+    void cmd_ayt();
+    void cmd_grs();
+    void cmd_end();
 
     // The receive handlers, one per transport.
     void onSerialData();

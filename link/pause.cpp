@@ -10,7 +10,7 @@ void pause_seconds(EventPump& pump, float seconds) {
     int remainingMs = int(std::lround(double(seconds) * 1000.0));
     double start = pump.secondsSinceMidnight();
     for (;;) {
-        if (!pump.waitForEvent(remainingMs))
+        if (pump.stopRequested() || !pump.waitForEvent(remainingMs))
             return;
         pump.processEvents();
         const double now = pump.secondsSinceMidnight();

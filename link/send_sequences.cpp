@@ -28,6 +28,11 @@ void Link::recordError(const QString& record, bool counts) {
 
 Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QString& body,
                                         int& attempt) {
+    return sendHotelMessage(rule, body, attempt, body);
+}
+
+Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QString& body,
+                                        int& attempt, const QString& reportedText) {
     send_enq();
     if (ackFailed) {
         const QString stamp = Time_of_error(m_pump.currentDateTime());
@@ -45,8 +50,8 @@ Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QStr
         if (++attempt > frameAttempts) {
             const QString stamp = Time_of_error(m_pump.currentDateTime());
             m_log.logLine(stamp + rule.failureSentence);
-            m_log.logLine(body);
-            recordError(stamp + rule.failureSentence + QLatin1Char('\n') + body +
+            m_log.logLine(reportedText);
+            recordError(stamp + rule.failureSentence + QLatin1Char('\n') + reportedText +
                             QStringLiteral("\n\n"),
                         true);
             return SendResult::Failed;

@@ -1,4 +1,5 @@
 #include "common/link_fixture.h"
+#include "link/pause.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -126,6 +127,23 @@ TEST_F(Exchange, TextGoesOutOneByteACharacter) {
     link.send_text(QString("A") + QChar(0xE9) + QChar(0x0141) + QChar(0));
     ASSERT_EQ(tcp.written.size(), 1);
     EXPECT_EQ(tcp.written[0], QByteArray("A\xE9?\0", 4)) << "Latin-1; others become '?'";
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(Exchange, StopRequestUnwindsEveryWait) {
+    tcpPbx.onEnq = Answer::Silent;
+    pump.schedule(1200, [&] { pump.requestStop(); });
+    link.send_enq();
+    EXPECT_TRUE(link.ackFailed);
+    EXPECT_LT(pump.elapsedMs(), 1500) << "the five ENQ waits end at their next look";
+    EXPECT_FALSE(link.poll_for_ack(false));
+    EXPECT_FALSE(link.waitingForAck);
+    const qint64 before = pump.elapsedMs();
+    pause_seconds(pump, 5.0f);
+    EXPECT_EQ(pump.elapsedMs(), before);
 }
 
 } // namespace

@@ -1,0 +1,41 @@
+#include "common/link_fixture.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+
+namespace {
+
+class ManualCommands : public LinkFixture {};
+
+TEST_F(ManualCommands, EachSendsOneThingAndTheGuardedOnesWaitTheirTurn) {
+    struct Case {
+        const char* name;
+        void (Link::*command)();
+        bool guarded;
+        const char* logged;
+        QByteArray sent;
+    } cases[] = {
+        {"ack", &Link::cmd_ack, false, "Sending -->    ACK", ACK},
+        {"nak", &Link::cmd_nak, true, "Sending -->    NAK", NAK},
+        {"enq", &Link::cmd_enquiry_basic, false, "Sending -->    ENQ", ENQ},
+        {"ayt", &Link::cmd_ayt, true, "Sending -->    AREYUTHERE", frame("AREYUTHERE")},
+        {"grs", &Link::cmd_grs, true, "Sending -->    GRS", frame("GRS       ")},
+        {"end", &Link::cmd_end, true, "Sending -->    END", frame("END       ")},
+    };
+    tcpPbx.onEnq = FakePbx::Answer::Silent;
+    tcpPbx.onFrame = FakePbx::Answer::Silent;
+    for (auto& c : cases) {
+        for (bool waiting : {false, true}) {
+            log = TrafficLog();
+            tcp.written.clear();
+            link.waitingForAck = waiting;
+            (link.*c.command)();
+            const bool acts = !(waiting && c.guarded);
+            EXPECT_EQ(lines(), acts ? QStringList{c.logged} : QStringList{}) << c.name << waiting;
+            EXPECT_EQ(tcp.written, acts ? QList<QByteArray>{c.sent} : QList<QByteArray>{})
+                << c.name << waiting;
+        }
+    }
+}
+
+} // namespace

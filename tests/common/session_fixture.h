@@ -1,0 +1,69 @@
+#pragma once
+
+#include "common/link_fixture.h"
+#include "link/frame.h"
+#include "transactions/session.h"
+
+#include <utility>
+
+namespace larkspur::test {
+
+using FieldTexts = QList<std::pair<Field, QString>>;
+using Action = void (Session::*)();
+
+// A session in virtual time with a fake PBX behind its TCP link, open, in HOTEL mode and
+// recording.
+class SessionFixture : public ::testing::Test {
+protected:
+    VirtualEventPump pump;
+    RecordingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
+    FakeTransport serial{pump, QStringLiteral("serial fake")};
+    Session session{pump, op, tcp, serial};
+    FakePbx pbx{tcp};
+
+    void SetUp() override {
+        tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);
+        pump.processEvents();
+        tcp.written.clear();
+        session.recording = true;
+    }
+
+    // A fresh start for the next case of a table: link open, fields empty, nothing logged, sent
+    // or recorded.
+    void restart() {
+        SetUp();
+        for (int f = 0; f < fieldCount; ++f)
+            session.fields.setText(Field(f), QString());
+        session.log = TrafficLog();
+        session.link.errorReport.clear();
+        session.link.errorCount = 0;
+        session.scriptText.clear();
+        session.lastVmailMessage.clear();
+        op.notices.clear();
+    }
+
+    void type(const FieldTexts& texts) {
+        for (const auto& [field, text] : texts)
+            session.fields.setText(field, text);
+    }
+    void click(const FieldTexts& texts, Action action) {
+        type(texts);
+        (session.*action)();
+    }
+
+    QStringList lines() const {
+        QStringList l = session.log.logText().split(QStringLiteral("\r\n"));
+        if (!l.isEmpty() && l.last().isEmpty())
+            l.removeLast();
+        return l;
+    }
+    QString stamp() const { return Time_of_error(pump.currentDateTime()); }
+};
+
+// The log of one line bid that the PBX grants.
+inline QStringList grantedBid() {
+    return {"Sending -->    ENQ", "Received--> ACK"};
+}
+
+} // namespace larkspur::test

@@ -1,0 +1,343 @@
+#include "common/session_fixture.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+using enum Field;
+
+namespace {
+
+class HotelTransactions : public SessionFixture {};
+
+// One room (101, or 12 for the restriction) with the second field each transaction needs.
+struct Transaction {
+    const char* what;
+    Action action;
+    FieldTexts fields;
+    QString logPrefix;
+    QString body;
+    qsizetype length;
+    QString failureSentence;
+    QString reported = {}; // the failure lines' text when it is not the body
+};
+
+const QString nack = "-> PBX DID NOT ACKnowkledge the ";
+const Transaction transactions[] = {
+    {"check in",
+     &Session::cmd_chk_in,
+     {{txt_suite_1, "101"}},
+     "Sending     -->",
+     "CHK1   101",
+     10,
+     nack + "Check in message:"},
+    {"check out",
+     &Session::cmd_chk_out,
+     {{txt_suite_1, "101"}},
+     "Sending   -->",
+     "CHK0   101",
+     10,
+     nack + "Check out message:"},
+    {"add name",
+     &Session::cmd_name_1,
+     {{txt_suite_1, "101"}, {Text1, " Smith "}},
+     "Sending  -->",
+     "NAM1 Smith                  101",
+     31,
+     nack + "Add name message:"},
+    {"replace name",
+     &Session::cmd_replace_name,
+     {{txt_suite_1, "101"}, {Text1, "Smith"}},
+     "Sending   -->",
+     "NAM2 Smith                  101",
+     31,
+     nack + "replace name message:"},
+    {"delete name",
+     &Session::Command6,
+     {{txt_suite_1, "101"}, {Text1, "Smith"}},
+     "Sending   -->",
+     "NAM3 Smith                  101",
+     31,
+     nack + "delete message:"},
+    {"mw on",
+     &Session::cmd_msg_wait,
+     {{txt_suite_1, "101"}},
+     "Sending  -->",
+     "MW 1   101",
+     10,
+     nack + "message waiting on message:"},
+    {"mw off",
+     &Session::cmd_message_waiting_0,
+     {{txt_suite_1, "101"}},
+     "Sending  -->",
+     "MW 0   101",
+     10,
+     nack + "message waiting off message:"},
+    {"credit",
+     &Session::cmd_set_credit,
+     {{txt_suite_1, "101"}, {txt_credit, "500"}},
+     "Sending  -->",
+     "LMT1   101   500",
+     16,
+     nack + "credit limit msg:"},
+    {"wake up",
+     &Session::cmd_wakeup,
+     {{txt_suite_1, "101"}, {txt_time, "0730"}},
+     "Sending  -->",
+     "WKP0730  101",
+     12,
+     nack + "wakeup message:",
+     "WKP 0730  101"},
+    {"wake up 2500",
+     &Session::cmd_wakeup,
+     {{txt_suite_1, "101"}, {txt_time, "2500"}},
+     "Sending  -->",
+     "WKP2500  101",
+     12,
+     nack + "wakeup message:",
+     "WKP 2500  101"},
+    {"restriction",
+     &Session::cmb_restrict_Click,
+     {{txt_suite_1, "12"}},
+     "Send     -->",
+     "RST2    12",
+     10,
+     nack + "Station Restriction Message:"},
+    {"add department",
+     &Session::cmd_dept,
+     {{txt_suite_1, "101"}, {txt_department, "SALES"}},
+     "Sending  -->",
+     "DPT1 SALES       101",
+     20,
+     nack + "add department message:"},
+    {"replace department",
+     &Session::cmd_department_2,
+     {{txt_suite_1, "101"}, {txt_department, "SALES"}},
+     "Sending   -->",
+     "DPT2 SALES       101",
+     20,
+     nack + "replace department message:"},
+    {"delete department",
+     &Session::cmd_department_3,
+     {{txt_suite_1, "101"}, {txt_department, "SALES"}},
+     "Sending   -->",
+     "DPT3 SALES       101",
+     20,
+     nack + "delete department message:"},
+    {"add location",
+     &Session::cmd_loc,
+     {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
+     "Sending  -->",
+     "LOC1 LOBBY       101",
+     20,
+     nack + "add location message:"},
+    {"replace location",
+     &Session::cmd_location_2,
+     {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
+     "Sending  -->",
+     "LOC2 LOBBY       101",
+     20,
+     nack + "replace location message:"},
+    {"delete location",
+     &Session::cmd_location_3,
+     {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
+     "Sending  -->",
+     "LOC3 LOBBY       101",
+     20,
+     nack + "delete location message:"},
+};
+
+TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
+    for (const Transaction& t : transactions) {
+        SCOPED_TRACE(t.what);
+        restart();
+        session.cmb_restrict = "long distant call";
+        ASSERT_EQ(t.body.size(), t.length);
+        click(t.fields, t.action);
+        EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(t.body.toLatin1())}));
+        EXPECT_EQ(lines(), (grantedBid() + QStringList{t.logPrefix + t.body, "Received--> ACK"}));
+        EXPECT_EQ(session.scriptText, t.body + "\r\n");
+        EXPECT_EQ(session.link.errorCount, 0);
+    }
+}
+
+TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
+    pbx.onFrame = Answer::Nak;
+    for (const Transaction& t : transactions) {
+        SCOPED_TRACE(t.what);
+        restart();
+        session.cmb_restrict = "long distant call";
+        // a second room is never reached
+        click(t.fields + FieldTexts{{txt_suite_3, "103"}}, t.action);
+        EXPECT_EQ(tcp.written,
+                  QList<QByteArray>({ENQ}) + QList<QByteArray>(5, frame(t.body.toLatin1())));
+        const QString reported = t.reported.isEmpty() ? t.body : t.reported;
+        EXPECT_EQ(lines().mid(lines().size() - 4),
+                  QStringList({t.logPrefix + t.body, "Received--> NAK", stamp() + t.failureSentence,
+                               reported}));
+        EXPECT_EQ(session.link.errorReport, stamp() + t.failureSentence + "\n" + reported + "\n\n");
+        EXPECT_EQ(session.link.errorCount, 1);
+        EXPECT_TRUE(session.scriptText.isEmpty());
+    }
+}
+
+TEST_F(HotelTransactions, CheckInTakesTheLineBidsAckForTheFrames) {
+    pbx.onFrame = Answer::Silent;
+    click({{txt_suite_1, "101"}}, &Session::cmd_chk_in);
+    click({}, &Session::cmd_chk_out);
+    EXPECT_EQ(tcp.written.count(frame("CHK1   101")), 1);
+    EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
+    EXPECT_EQ(session.scriptText, "CHK1   101\r\n");
+}
+
+TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
+    struct Case {
+        Action action;
+        bool timedLog;
+        qint16 counted;
+    } cases[] = {{&Session::cmd_chk_out, true, 1},
+                 {&Session::cmd_name_1, true, 1},
+                 {&Session::cmb_restrict_Click, false, 0}};
+    pbx.onEnq = Answer::Nak;
+    for (const Case& c : cases) {
+        restart();
+        session.cmb_restrict = "internal call";
+        click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, "Smith"}}, c.action);
+        EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
+        const QString enqLine = " PBX DID NOT ACKnowkledge ENQ message";
+        EXPECT_EQ(lines().last(), (c.timedLog ? stamp() : QString()) + enqLine);
+        EXPECT_EQ(session.link.errorReport, stamp() + enqLine + "\n");
+        EXPECT_EQ(session.link.errorCount, c.counted);
+    }
+}
+
+TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
+    struct Case {
+        bool errorMode;
+        QStringList rooms; // the five room fields in order
+        QList<QByteArray> bodies;
+    } cases[] = {
+        {false, {"123456", "", "   ", "", "7"}, {"CHK1     7"}},
+        {false, {" 101 ", "", "102", "", ""}, {"CHK1   101", "CHK1   102"}},
+        {true, {" 12", "", "1234567", "", ""}, {"CHK1  12", "CHK1 1234567"}},
+    };
+    for (const Case& c : cases) {
+        restart();
+        session.errorMode = c.errorMode;
+        for (int i = 0; i < 5; ++i)
+            type({{roomFields[i], c.rooms[i]}});
+        session.cmd_chk_in();
+        QList<QByteArray> expected;
+        for (const QByteArray& body : c.bodies)
+            expected += {ENQ, frame(body)};
+        EXPECT_EQ(tcp.written, expected);
+        EXPECT_FALSE(session.log.logText().contains("no valid room number"));
+    }
+}
+
+TEST_F(HotelTransactions, ErrorModeSendsEveryFieldAsTyped) {
+    session.errorMode = true;
+    click({{txt_suite_1, "101"}, {Text1, " Smith"}, {txt_time, "99"}}, &Session::cmd_name_1);
+    click({}, &Session::cmd_wakeup);
+    EXPECT_EQ(tcp.written,
+              QList<QByteArray>({ENQ, frame("NAM1  Smith101"), ENQ, frame("WKP99101")}));
+}
+
+TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
+    pbx.nextFrameAnswers = {Answer::Nak, Answer::Ack};
+    pbx.onFrame = Answer::Nak;
+    click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {txt_ls_pilot, "105"}},
+          &Session::cmd_chk_out);
+    EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 2);
+    EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
+    EXPECT_EQ(tcp.written.count(frame("CHK0   105")), 0);
+    EXPECT_EQ(session.scriptText, "CHK0   101\r\n");
+    EXPECT_EQ(session.link.errorCount, 1);
+}
+
+TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
+    click({{txt_suite_1, "101"}, {txt_suite_2, "205"}, {Text1, "Smith"}}, &Session::cmd_xfer_name);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("NAM4 Smith                  101  205"),
+                                              ENQ, frame("NAM4 Smith                  205  205")}));
+    EXPECT_EQ(lines()[2], "Sending   -->NAM4 Smith                  101  205");
+    EXPECT_EQ(session.scriptText, "NAM4 Smith                  101  205\r\n"
+                                  "NAM4 Smith                  205  205\r\n");
+}
+
+TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
+    const QString longName(22, 'x');
+    struct Case {
+        Action action;
+        FieldTexts fields;
+        QStringList log;
+    } cases[] = {
+        {&Session::cmd_name_1,
+         {{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, longName}},
+         {"Invalid Name!", "Invalid Name!", "no valid room number"}},
+        {&Session::cmd_replace_name, {{txt_ls_pilot, "105"}, {Text1, "  "}}, {"Invalid Name!"}},
+        {&Session::cmd_xfer_name,
+         {{txt_suite_1, "101"}, {Text1, "Smith"}},
+         {"Invalid Transfer Room Number!", "no valid room number"}},
+        {&Session::cmd_xfer_name,
+         {{txt_suite_1, "101"}, {txt_suite_2, "205"}},
+         {"Invalid Name!", "Invalid Name!", "no valid room number"}},
+        {&Session::cmd_set_credit,
+         {{txt_suite_1, "101"}},
+         {"Invalid Name!", "no valid room number"}},
+        {&Session::cmd_wakeup,
+         {{txt_suite_1, "101"}, {txt_time, "0760"}},
+         {"Invalid Time!", "no valid room number"}},
+        {&Session::cmd_department_3,
+         {{txt_suite_1, "101"}, {txt_department, "ACCOUNTING1"}},
+         {"Invalid Department!", "no valid room number"}},
+        {&Session::cmd_location_2,
+         {{txt_suite_1, "101"}},
+         {"Invalid Location!", "no valid room number"}},
+        {&Session::cmd_msg_wait, {}, {"no valid room number"}},
+        {&Session::cmb_restrict_Click, {}, {"No valid room number"}},
+    };
+    for (const Case& c : cases) {
+        restart();
+        session.cmb_restrict = "option 3";
+        click(c.fields, c.action);
+        EXPECT_EQ(lines(), c.log);
+        EXPECT_TRUE(tcp.written.isEmpty());
+    }
+}
+
+TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
+    const QStringList choices = {"internal call", "local call", "long distant call",
+                                 "option 1",      "option 2",   "option 3"};
+    type({{txt_suite_1, "12"}});
+    for (const QString& choice : choices) {
+        session.cmb_restrict = choice;
+        session.cmb_restrict_Click();
+    }
+    session.cmb_restrict = "long distance call";
+    session.cmb_restrict_Click();
+    session.cmb_restrict.clear();
+    session.cmb_restrict_Click();
+    QList<QByteArray> expected;
+    for (char level : QByteArray("012345"))
+        expected += {ENQ, frame(QByteArray("RST") + level + "    12")};
+    EXPECT_EQ(tcp.written, expected);
+    EXPECT_EQ(op.notices, QStringList{"message not recgonized"});
+}
+
+TEST_F(HotelTransactions, NothingHappensDuringAWait) {
+    session.link.waitingForAck = true;
+    session.cmb_restrict = "local call";
+    type({{txt_suite_1, "101"},
+          {txt_suite_2, "205"},
+          {Text1, "Smith"},
+          {txt_credit, "5"},
+          {txt_time, "0730"},
+          {txt_department, "D"},
+          {txt_location, "L"}});
+    for (const Transaction& t : transactions)
+        (session.*t.action)();
+    session.cmd_xfer_name();
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_TRUE(session.log.logText().isEmpty());
+}
+
+} // namespace

@@ -1,0 +1,162 @@
+#include "common/session_fixture.h"
+
+#include <QSignalSpy>
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+using enum Field;
+
+namespace {
+
+class VoiceMail : public SessionFixture {
+protected:
+    void SetUp() override {
+        SessionFixture::SetUp();
+        session.link.pmsMode = "VMAIL";
+        session.link.protocolType = "HIS";
+    }
+    static QString vmailFrame(const QString& body) {
+        return start_of_text() + body + end_of_text() + CRC(body + end_of_text());
+    }
+};
+
+TEST_F(VoiceMail, EachButtonSendsItsOperation) {
+    struct Case {
+        const char* what;
+        Action action;
+        QString protocol;
+        FieldTexts fields;
+        QString body;
+        QString logLine;
+    } cases[] = {
+        {"check in", &Session::cmd_chk_in, "HIS", {}, "24001  ", "CHECK IN: 4001"},
+        {"check in hyatt", &Session::cmd_chk_in, "HYATT", {}, "24001        ", "CHECK IN: 4001"},
+        {"check out", &Session::cmd_chk_out, "HIS", {}, "34001  ", "CHECK OUT: 4001"},
+        {"check out hyatt", &Session::cmd_chk_out, "HYATT", {}, "34001        ", "CHECK OUT: 4001"},
+        {"query", &Session::cmd_name_1, "HIS", {}, "64001  ", "QUERY MW STATUS: 4001"},
+        {"move",
+         &Session::Command6,
+         "HIS",
+         {{txt_suite_2, "4002"}},
+         "74001  4002  ",
+         "MOVE MAILBOX: 4001 TO: 4002"},
+        {"unread",
+         &Session::cmd_replace_name,
+         "HIS",
+         {{txt_department, "3"}},
+         "94001  3 ",
+         "TEXT MESSAGE MW: 4001 Unread: 3"},
+        {"passcode check in",
+         &Session::cmd_xfer_name,
+         "HIS",
+         {{txt_suite_1, "1234"}},
+         "A4001  1234  ",
+         "CHECK IN (Passwd): 4001 PASSCODE: 1234"},
+        {"passcode",
+         &Session::cmd_dept,
+         "HIS",
+         {{txt_suite_1, "99"}},
+         "B4001  99    ",
+         "CHANGE PASSCODE: 4001 PASSCODE: 99"},
+        {"id",
+         &Session::cmd_department_2,
+         "HIS",
+         {{txt_suite_3, "12345"}},
+         "D4001  12345 ",
+         "CHANGE ID: 4001 ID: 12345"},
+        {"fcos",
+         &Session::cmd_department_3,
+         "HIS",
+         {{txt_suite_4, "7"}},
+         "84001  7 ",
+         "MODIFY FCOS: 4001 FCOS: 7"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        restart();
+        session.link.protocolType = c.protocol;
+        const qint64 start = pump.elapsedMs();
+        click(c.fields + FieldTexts{{txt_ls_pilot, "4001"}}, c.action);
+        const QString sent = vmailFrame(c.body);
+        const bool checkIn = c.action == &Session::cmd_chk_in;
+        EXPECT_EQ(tcp.written, QList<QByteArray>{sent.toLatin1()});
+        // the receiver reports the ACK itself; all but the check-in report it again
+        EXPECT_EQ(lines(), QStringList({c.logLine, "PBX ACKed"}) +
+                               (checkIn ? QStringList() : QStringList{"PBX ACKed"}));
+        EXPECT_EQ(pump.elapsedMs() - start, 2000);
+        EXPECT_EQ(session.lastVmailMessage, checkIn ? QString() : sent);
+        EXPECT_EQ(session.scriptText, sent + "~\r\n");
+    }
+}
+
+TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
+    pbx.onFrame = Answer::Silent;
+    click({{txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
+    EXPECT_EQ(lines(), QStringList({"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}));
+    EXPECT_EQ(tcp.written.size(), 1) << "never retried";
+    EXPECT_EQ(session.scriptText, vmailFrame("34001  ") + "~\r\n");
+    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_TRUE(session.link.errorReport.isEmpty());
+}
+
+TEST_F(VoiceMail, OverlongFieldsAreCutInTheirTextBoxes) {
+    QSignalSpy changes(&session.fields, &Fields::changed);
+    click({{txt_ls_pilot, "4001234"}, {txt_suite_4, "123"}}, &Session::cmd_department_3);
+    EXPECT_EQ(session.fields.text(txt_ls_pilot), "400123");
+    EXPECT_EQ(session.fields.text(txt_suite_4), "12");
+    EXPECT_EQ(changes.size(), 4) << "two typed, two cut";
+    EXPECT_EQ(tcp.written, QList<QByteArray>{vmailFrame("8400123"
+                                                        "12")
+                                                 .toLatin1()});
+    EXPECT_EQ(lines().first(), "MODIFY FCOS: 400123 FCOS: 12");
+}
+
+TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
+    struct Case {
+        Action action;
+        FieldTexts fields;
+        QString notice;
+    } cases[] = {
+        {&Session::cmd_chk_in, {}, "Please enter a Mailbox Number"},
+        {&Session::Command6, {{txt_ls_pilot, "4001"}}, "Please enter a Mailbox Number"},
+        {&Session::Command6, {{txt_suite_2, "4002"}}, "Please enter a Mailbox Number"},
+        {&Session::cmd_replace_name,
+         {{txt_ls_pilot, "4001"}},
+         "Please enter a Number for 'Unread'"},
+        {&Session::cmd_xfer_name,
+         {{txt_ls_pilot, "4001"}},
+         "Please enter a Number for the PASCODE"},
+        {&Session::cmd_dept, {{txt_ls_pilot, "4001"}}, "Please enter a Number for the PASSCODE"},
+        {&Session::cmd_department_2, {{txt_ls_pilot, "4001"}}, "Please enter a Number for new ID"},
+        {&Session::cmd_department_3,
+         {{txt_ls_pilot, "4001"}},
+         "Please enter a Number for new FCOS"},
+    };
+    for (const Case& c : cases) {
+        restart();
+        click(c.fields, c.action);
+        EXPECT_EQ(op.notices, QStringList{c.notice});
+        EXPECT_TRUE(tcp.written.isEmpty());
+        EXPECT_TRUE(session.scriptText.isEmpty());
+    }
+}
+
+TEST_F(VoiceMail, OnlyTheCheckInRunsDuringAWait) {
+    session.link.waitingForAck = true;
+    type({{txt_ls_pilot, "4001"},
+          {txt_suite_1, "1"},
+          {txt_suite_2, "2"},
+          {txt_suite_3, "3"},
+          {txt_suite_4, "4"},
+          {txt_department, "5"}});
+    for (Action a : {&Session::cmd_chk_out, &Session::cmd_name_1, &Session::Command6,
+                     &Session::cmd_replace_name, &Session::cmd_xfer_name, &Session::cmd_dept,
+                     &Session::cmd_department_2, &Session::cmd_department_3})
+        (session.*a)();
+    EXPECT_TRUE(tcp.written.isEmpty());
+    session.cmd_chk_in();
+    EXPECT_EQ(tcp.written, QList<QByteArray>{vmailFrame("24001  ").toLatin1()});
+}
+
+} // namespace

@@ -1,0 +1,41 @@
+// Guest check-in and check-out: the PBX learns that a room is occupied or vacated. In voice-mail
+// mode the same buttons check a mailbox in or out.
+#include "transactions/hotel_pattern.h"
+#include "transactions/session.h"
+#include "transactions/voice_mail.h"
+
+namespace larkspur {
+
+namespace {
+
+const HotelTransaction checkIn{
+    .rule = {.logPrefix = QStringLiteral("Sending     -->"),
+             .failureSentence = QStringLiteral("-> PBX DID NOT ACKnowkledge the Check in message:"),
+             .ackNeedsPoll = true},
+    .body = headerAndRoom(QStringLiteral("CHK1 ")),
+};
+
+const HotelTransaction checkOut{
+    .rule = {.logPrefix = QStringLiteral("Sending   -->"),
+             .failureSentence =
+                 QStringLiteral("-> PBX DID NOT ACKnowkledge the Check out message:")},
+    .body = headerAndRoom(QStringLiteral("CHK0 ")),
+};
+
+} // namespace
+
+void Session::cmd_chk_in() {
+    if (inVmailMode(*this))
+        send_vmail_operation(*this, VmailOperation::CheckIn);
+    else
+        sendToRooms(*this, checkIn);
+}
+
+void Session::cmd_chk_out() {
+    if (inVmailMode(*this))
+        send_vmail_operation(*this, VmailOperation::CheckOut);
+    else
+        sendToRooms(*this, checkOut);
+}
+
+} // namespace larkspur

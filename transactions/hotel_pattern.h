@@ -1,0 +1,63 @@
+#pragma once
+
+#include "link/link.h"
+#include "transactions/fields.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+namespace larkspur {
+
+class Session;
+
+// One room's message in the making: the room and the extra fields, each in the form it is sent
+// in, the extras in the order the transaction lists them.
+struct RoomMessage {
+    QString room;
+    QStringList extras;
+};
+
+using MessageText = std::function<QString(const RoomMessage&)>;
+
+// A field sent beside the room (name, department, amount, time), read afresh for every room.
+struct ExtraField {
+    Field source;
+    // The sent form of the blank-trimmed text, or NotValid.
+    QString (*check)(const QString& trimmed);
+    QString invalidLine;
+};
+
+// What sets one hotel transaction apart; sendToRooms does the rest.
+struct HotelTransaction {
+    HotelMessageRule rule;
+    MessageText body;
+    // Checked in this order for every usable room; the first that fails is logged and the room
+    // skipped.
+    std::vector<ExtraField> extras = {};
+    // What the failure lines show for the message, when it is not the body.
+    MessageText reported = {};
+    QString noRoomLine = QStringLiteral("no valid room number");
+};
+
+// Bodies of the common shapes: header + room, and header + first extra + room.
+MessageText headerAndRoom(const QString& header);
+MessageText headerTextAndRoom(const QString& header);
+
+// The operator's text without surrounding blanks (other white space is kept).
+QString trimBlanks(const QString& text);
+
+// A room number in its sent form: five characters, right-justified; NotValid otherwise.
+QString roomForm(const QString& trimmed);
+
+// The field as the transaction sends it: as typed in error mode, else blank-trimmed and checked.
+QString sentForm(const Session& session, Field field, QString (*check)(const QString&));
+
+// Sends the transaction to every usable room field in order, one ENQ exchange and one frame
+// each, all frames of the click sharing one retry counter. The first failure ends the click;
+// each acknowledged frame is recorded.
+void sendToRooms(Session& session, const HotelTransaction& transaction);
+
+} // namespace larkspur

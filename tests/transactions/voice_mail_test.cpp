@@ -33,7 +33,6 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         {"check in", &Session::cmd_chk_in, "HIS", {}, "24001  ", "CHECK IN: 4001"},
         {"check in hyatt", &Session::cmd_chk_in, "HYATT", {}, "24001        ", "CHECK IN: 4001"},
         {"check out", &Session::cmd_chk_out, "HIS", {}, "34001  ", "CHECK OUT: 4001"},
-        {"check out hyatt", &Session::cmd_chk_out, "HYATT", {}, "34001        ", "CHECK OUT: 4001"},
         {"query", &Session::cmd_name_1, "HIS", {}, "64001  ", "QUERY MW STATUS: 4001"},
         {"move",
          &Session::Command6,

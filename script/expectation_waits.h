@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+namespace larkspur {
+
+class Session;
+
+// The expected messages a wait can name, in the order of the lists.
+bool isExpectationItem(const QString& item);
+
+// What a recorded wait line says after "WAIT " / "NTFY " for `item`, without the digit.
+QString recordedExpectation(const QString& item, const QString& room, bool withNotice);
+
+enum class WaitKind { Plain, WithNotice };
+
+// Holds the console until the PBX sends `item` or the wait's time (the digit; "0" is no limit,
+// anything but a digit is 5) runs out, or a stop is asked for.
+void runExpectationWait(Session& session, WaitKind kind, const QString& item, QString digit);
+
+} // namespace larkspur

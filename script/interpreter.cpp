@@ -1,0 +1,168 @@
+// Plays the script text: one command, then a one-second pause, until its end, a stop or a
+// command it does not know. Positions are 1-based, as the script columns are.
+#include "link/event_pump.h"
+#include "link/frame.h"
+#include "link/operator_interface.h"
+#include "link/pause.h"
+#include "script/expectation_waits.h"
+#include "script/script_commands.h"
+#include "script/script_engine.h"
+#include "transactions/session.h"
+
+namespace larkspur {
+
+namespace {
+constexpr float commandPacingSeconds = 1.0f;
+
+struct Cursor {
+    const QString& text;
+    qsizetype pos; // 1-based
+    QString at(qsizetype from, qsizetype width) const {
+        return from < 1 ? QString() : text.mid(from - 1, width);
+    }
+    // The line around `from`, for reports: up to its CR LF (or "~" in voice-mail scripts).
+    QString lineFrom(qsizetype from, bool vmail) const {
+        const qsizetype begin = qMax<qsizetype>(0, from - 1);
+        qsizetype end = text.indexOf(vmail ? QStringLiteral("~") : carriage_return(), begin);
+        if (end < 0)
+            end = text.size();
+        return text.mid(begin, end - begin);
+    }
+};
+
+struct Expectation {
+    const char* head; // the four characters after "WAIT " / "NTFY "
+    const char* item;
+    int roomOffset; // from the start of the head; 0 for control items
+};
+
+const Expectation expectations[] = {
+    {"ack ", "ack", 0},  {"nak ", "nak", 0},  {"enq ", "enq", 0},  {"rti ", "rti", 0},
+    {"MR 0", "mr", 7},   {"MW 0", "mw0", 5},  {"MW 1", "mw1", 5},  {"STS1", "sts1", 5},
+    {"STS2", "sts2", 5}, {"STS3", "sts3", 5}, {"STS4", "sts4", 5}, {"STS5", "sts5", 5},
+    {"STS6", "sts6", 5}, {"STS7", "sts7", 5}, {"STS8", "sts8", 5}, {"STS9", "sts9", 5},
+    {"ALT ", "alt", 4},
+};
+} // namespace
+
+void ScriptEngine::restoreButtonsAfterRun() {
+    Controls& c = m_session.controls;
+    c.setEnabled({"cmd_start_script", "Xtest"}, true);
+    c.setEnabled(transactionButtons(), true);
+    c.setEnabled({"cmd_end_script", "StopScript"}, false);
+}
+
+ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail) {
+    Session& s = m_session;
+    Cursor cursor{text, vmail ? 2 : 1};
+    for (;;) {
+        if (s.stopScript) {
+            s.stopScript = false;
+            s.log.logLine(QStringLiteral("Script cancelled..."));
+            return RunOutcome::Cancelled;
+        }
+        for (Field room : roomFields)
+            s.fields.setText(room, QString());
+
+        const qsizetype start = cursor.pos;
+        QString word;
+        if (vmail) {
+            word = cursor.at(cursor.pos, 1);
+            cursor.pos += 1;
+            if (word.isEmpty())
+                word = end_of_text();
+        } else {
+            word = cursor.at(cursor.pos, 4);
+            cursor.pos += 5;
+        }
+
+        if (const ScriptCommand* command = findScriptCommand(word)) {
+            Q_EMIT commandStarted(cursor.lineFrom(vmail ? start - 1 : start, vmail));
+            const qsizetype base = vmail ? cursor.pos : start;
+            for (const FieldCopy& copy : command->copies)
+                s.fields.setText(copy.field, cursor.at(base + copy.column - 1, copy.width));
+            command->press(s);
+            if (vmail) {
+                // The next line starts past "~", CR, LF and its own framing character.
+                const qsizetype tilde = text.indexOf(QLatin1Char('~'), cursor.pos - 1);
+                cursor.pos = tilde < 0 ? text.size() + 1 : tilde + 1 + 4;
+            } else {
+                const FieldCopy& last = command->copies.last();
+                cursor.pos = base + last.column - 1 + last.width + 2;
+            }
+            Q_EMIT commandFinished();
+        } else if (!vmail && word.startsWith(u"STE") && word.size() == 4 &&
+                   QStringLiteral("012345678AB").contains(word.at(3))) {
+            Q_EMIT commandStarted(cursor.lineFrom(start, vmail));
+            playLinkedSuite(cursor.text, start, word, cursor.pos);
+            Q_EMIT commandFinished();
+        } else if (!vmail && (word == u"NTFY" || word == u"WAIT")) {
+            const QString head = cursor.at(start + 5, 4);
+            const Expectation* e = nullptr;
+            for (const Expectation& candidate : expectations)
+                if (head == QLatin1String(candidate.head))
+                    e = &candidate;
+            // An expectation it does not know is passed over, and the next command is read
+            // from where this one's expectation began.
+            if (e) {
+                Q_EMIT commandStarted(cursor.lineFrom(start, vmail));
+                qsizetype digitAt = start + 5 + 4;
+                if (e->roomOffset > 0) {
+                    s.fields.setText(Field::txt_suite_1, cursor.at(start + 5 + e->roomOffset, 5));
+                    digitAt = start + 5 + e->roomOffset + 5 + 1;
+                }
+                runExpectationWait(s, word == u"WAIT" ? WaitKind::Plain : WaitKind::WithNotice,
+                                   QLatin1String(e->item), cursor.at(digitAt, 1));
+                cursor.pos = digitAt + 1 + 2;
+                Q_EMIT commandFinished();
+            }
+        } else if (word == end_of_text()) {
+            if (!Continuous) {
+                if (s.link.errorCount < 1)
+                    s.operatorInterface.notify(QStringLiteral("Script file completed"));
+                else
+                    s.operatorInterface.notify(
+                        QStringLiteral("Script file ended!") + carriage_return() +
+                        QStringLiteral(" There were %1 Errors").arg(s.link.errorCount) +
+                        carriage_return() + QStringLiteral("View Log for details"));
+                restoreButtonsAfterRun();
+                return RunOutcome::Completed;
+            }
+            cursor.pos = 1;
+        } else {
+            s.operatorInterface.notify(QStringLiteral("Command: ") + word);
+            s.link.errorReport += Time_of_error(s.pump.currentDateTime()) +
+                                  QStringLiteral("-> Script File Corrupt:\n\n\n");
+            s.log.logLine(QStringLiteral("Script file error! Unrecognized command"));
+            restoreButtonsAfterRun();
+            s.log.logLine(QStringLiteral("Script Cancelled!"));
+            return RunOutcome::Unrecognized;
+        }
+        pause_seconds(s.pump, commandPacingSeconds);
+    }
+}
+
+void ScriptEngine::playLinkedSuite(const QString& text, qsizetype start, const QString& word,
+                                   qsizetype& pos) {
+    Session& s = m_session;
+    // Pilot in columns 6-10, then up to four members, each after one blank, to the line's end.
+    qsizetype lineEnd = text.indexOf(carriage_return(), start - 1) + 1; // 1-based CR
+    if (lineEnd <= 0)
+        lineEnd = text.size() + 1;
+    const auto upToLineEnd = [&](qsizetype from, qsizetype width) {
+        return from >= lineEnd ? QString() : text.mid(from - 1, qMin(width, lineEnd - from));
+    };
+    s.fields.setText(Field::txt_ls_pilot, upToLineEnd(start + 5, 5));
+    const Field members[] = {Field::txt_suite_1, Field::txt_suite_2, Field::txt_suite_3,
+                             Field::txt_suite_4};
+    for (int k = 0; k < 4; ++k)
+        s.fields.setText(members[k], upToLineEnd(start + 11 + 6 * k, 5));
+    const QString code = word + QLatin1Char(' ');
+    if (word == u"STE5")
+        s.send_linked_suite_pilot(code);
+    else
+        s.send_linked_suite(code);
+    pos = lineEnd + 2;
+}
+
+} // namespace larkspur

@@ -1,0 +1,103 @@
+// Recording: the two recording buttons and the expectation lists.
+#include "link/operator_interface.h"
+#include "script/expectation_waits.h"
+#include "script/script_engine.h"
+#include "transactions/session.h"
+
+#include <QSaveFile>
+
+namespace larkspur {
+
+namespace {
+const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
+
+// The recording buttons act only on a live link.
+bool linkIsUp(Session& s) {
+    if (s.link.isOpen())
+        return true;
+    s.operatorInterface.notify(s.link.settings.useTcp ? QStringLiteral("Not Connected!")
+                                                      : QStringLiteral("port closed"));
+    return false;
+}
+
+// The wait's time comes from the wake-up time field when it holds exactly one digit.
+QString waitDigit(const QString& time) {
+    return time.size() == 1 && time.at(0) >= QLatin1Char('0') && time.at(0) <= QLatin1Char('9')
+               ? time
+               : QStringLiteral("5");
+}
+} // namespace
+
+const QStringList& ScriptEngine::expectationItems() {
+    static const QStringList items = {"ack",  "nak",  "enq",  "rti",  "mr",   "mw1",
+                                      "mw0",  "sts1", "sts2", "sts3", "sts4", "sts5",
+                                      "sts6", "sts7", "sts8", "sts9", "alt"};
+    return items;
+}
+
+void ScriptEngine::cmd_start_script() {
+    Session& s = m_session;
+    if (s.link.waitingForAck || !linkIsUp(s))
+        return;
+    s.controls.setEnabled(QStringLiteral("cmd_start_script"), false);
+    s.controls.setEnabled(QStringLiteral("cmd_end_script"), true);
+    s.controls.setEnabled(QStringLiteral("Xtest"), false);
+    if (s.recording) {
+        s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
+    } else {
+        s.recording = true;
+        s.scriptText.clear();
+        if (s.link.pmsMode != u"HOTEL")
+            s.scriptText = QStringLiteral("VMAIL") + s.link.protocolType + QStringLiteral("\r\n");
+    }
+    s.link.errorCount = 0;
+}
+
+void ScriptEngine::cmd_end_script() {
+    Session& s = m_session;
+    if (s.link.waitingForAck || !linkIsUp(s))
+        return;
+    if (!s.recording) {
+        s.operatorInterface.notify(QStringLiteral("No script has been started"));
+        return;
+    }
+    // A cancelled dialog or a failed write keeps the recording, so nothing recorded is lost.
+    const QString path = s.operatorInterface.chooseFileToSave(scriptFilter);
+    if (path.isEmpty())
+        return;
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(s.scriptText.toLatin1()) < 0 ||
+        !file.commit()) {
+        s.operatorInterface.notify(
+            QStringLiteral("Cannot write script file %1: %2").arg(path, file.errorString()));
+        return;
+    }
+    s.recording = false;
+    s.scriptText.clear();
+    s.controls.setEnabled({"Xtest", "cmd_start_script"}, true);
+    s.controls.setEnabled(QStringLiteral("cmd_end_script"), false);
+}
+
+void ScriptEngine::cmb_wait_Click(const QString& item) {
+    startListedWait(item, true);
+}
+
+void ScriptEngine::cmb_notify_Click(const QString& item) {
+    startListedWait(item, false);
+}
+
+void ScriptEngine::startListedWait(const QString& item, bool plain) {
+    if (m_session.link.waitingForAck)
+        return;
+    const QString chosen = item.trimmed();
+    if (chosen.isEmpty())
+        return;
+    if (!isExpectationItem(chosen)) {
+        m_session.operatorInterface.notify(QStringLiteral("message not recgonized"));
+        return;
+    }
+    runExpectationWait(m_session, plain ? WaitKind::Plain : WaitKind::WithNotice, chosen,
+                       waitDigit(m_session.fields.text(Field::txt_time)));
+}
+
+} // namespace larkspur

@@ -1,0 +1,111 @@
+// Run Script, Stop Script and CANCEL.
+#include "link/event_pump.h"
+#include "link/operator_interface.h"
+#include "script/expectation_waits.h"
+#include "script/script_engine.h"
+#include "script/script_reader.h"
+#include "transactions/session.h"
+
+#include <QFile>
+
+namespace larkspur {
+
+namespace {
+const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
+
+// Buttons that stay usable while a script plays are the four the operator presses first.
+const QStringList pressedFirst = {"cmd_chk_in", "cmd_chk_out", "cmd_name_1", "Command6"};
+} // namespace
+
+ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
+
+void ScriptEngine::Xtest() {
+    if (m_session.link.waitingForAck) {
+        m_session.link.errorCount = 0;
+        return;
+    }
+    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFilter);
+    if (path.isEmpty())
+        return;
+    runScriptFile(path);
+}
+
+ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
+    Session& s = m_session;
+    s.link.errorCount = 0;
+    if (s.link.waitingForAck)
+        return RunOutcome::Busy;
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        s.operatorInterface.notify(
+            QStringLiteral("Cannot read script file %1: %2").arg(path, file.errorString()));
+        return RunOutcome::NotRead;
+    }
+    const ScriptText script = readScript(file.readAll());
+    file.close();
+
+    s.stopScript = false;
+    s.controls.setEnabled({"cmd_start_script", "cmd_end_script", "Xtest"}, false);
+    s.controls.setEnabled(QStringLiteral("StopScript"), true);
+    QStringList rest = transactionButtons();
+    for (const QString& name : pressedFirst)
+        rest.removeAll(name);
+    s.controls.setEnabled(rest, false);
+
+    s.link.pmsMode = script.pmsMode;
+    s.link.protocolType = script.protocolType;
+    if (script.pmsMode == u"HOTEL")
+        s.set_hotel_labels();
+    else
+        s.set_vmail_labels();
+    s.controls.setEnabled(transactionButtons(), false);
+
+    s.log.logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
+    m_running = true;
+    const RunOutcome outcome = interpret(script.text, script.pmsMode != u"HOTEL");
+    m_running = false;
+    Q_EMIT runFinished(outcome);
+    return outcome;
+}
+
+void ScriptEngine::StopScript() {
+    Session& s = m_session;
+    s.stopScript = true;
+    s.controls.setEnabled({"cmd_start_script", "Xtest"}, true);
+    s.controls.setEnabled({"cmd_end_script", "StopScript"}, false);
+    s.controls.setEnabled(transactionButtons(), true);
+}
+
+void ScriptEngine::cmd_cancel() {
+    m_session.stopScript = true;
+}
+
+void ScriptEngine::WAIT(const QString& item, const QString& digit) {
+    runExpectationWait(m_session, WaitKind::Plain, item, digit);
+}
+
+void ScriptEngine::NTFY(const QString& item, const QString& digit) {
+    runExpectationWait(m_session, WaitKind::WithNotice, item, digit);
+}
+
+void ScriptEngine::cmd_recovery() {
+    Link& link = m_session.link;
+    // Bid until the PBX grants the line; only closing the console ends this.
+    do {
+        link.cmd_enquiry_basic();
+        link.wait_for_ack(false);
+    } while (link.ackFailed && !m_session.pump.stopRequested());
+    for (int round = 1; round <= 4; ++round) {
+        link.cmd_enquiry_basic();
+        WAIT(QStringLiteral("ack"), QStringLiteral("0"));
+        link.cmd_ayt();
+        WAIT(QStringLiteral("ack"), QStringLiteral("0"));
+    }
+    WAIT(QStringLiteral("enq"), QStringLiteral("0"));
+    link.cmd_ack();
+    WAIT(QStringLiteral("rti"), QStringLiteral("0"));
+    link.cmd_ack();
+}
+
+} // namespace larkspur

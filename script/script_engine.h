@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+namespace larkspur {
+
+class Session;
+
+// Recording, replay and expected-message waits, driving the session exactly as the operator
+// would: the same fields are filled and the same operations pressed.
+class ScriptEngine : public QObject {
+    Q_OBJECT
+public:
+    // How a replay ended.
+    enum class RunOutcome {
+        Completed,    // reached its end (errorCount tells whether transactions failed)
+        Cancelled,    // a stop between commands
+        Unrecognized, // stopped on a command it does not know
+        NotRead,      // no file chosen, or it could not be read
+        Busy,         // a wait was running; nothing done
+    };
+
+    explicit ScriptEngine(Session& session);
+
+    // The "Continuous" check box: the script starts over each time it ends.
+    bool Continuous = false;
+
+    // Recording.
+    void cmd_start_script();
+    void cmd_end_script();
+    // The expectation lists; `item` is the chosen entry ("ack" ... "alt").
+    void cmb_wait_Click(const QString& item);
+    void cmb_notify_Click(const QString& item);
+    // Their entries, in list order.
+    static const QStringList& expectationItems();
+
+    // "Run Script": asks for the file, then plays it.
+    void Xtest();
+    // Plays the script in `path` (Run Script with the file already chosen).
+    RunOutcome runScriptFile(const QString& path);
+    bool running() const { return m_running; }
+
+    void StopScript();
+    void cmd_cancel();
+
+    // The expected-message waits: plain (errors for other messages) and with notice.
+    void WAIT(const QString& item, const QString& digit);
+    void NTFY(const QString& item, const QString& digit);
+
+    // The fixed recovery dialogue of the manual commands.
+    void cmd_recovery();
+
+Q_SIGNALS:
+    // A replayed command is about to run; `line` is its script line (for reports).
+    void commandStarted(const QString& line);
+    // The replayed command finished.
+    void commandFinished();
+    // The run is over.
+    void runFinished(larkspur::ScriptEngine::RunOutcome outcome);
+
+private:
+    RunOutcome interpret(const QString& text, bool vmail);
+    void playLinkedSuite(const QString& text, qsizetype start, const QString& word, qsizetype& pos);
+    void restoreButtonsAfterRun();
+    void startListedWait(const QString& item, bool plain);
+
+    Session& m_session;
+    bool m_running = false;
+};
+
+} // namespace larkspur

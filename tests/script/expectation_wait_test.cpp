@@ -1,0 +1,128 @@
+#include "common/script_fixture.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+
+namespace {
+
+class ExpectationWait : public ScriptFixture {
+protected:
+    void SetUp() override {
+        ScriptFixture::SetUp();
+        session.recording = true;
+        session.fields.setText(Field::txt_suite_1, "101");
+    }
+    void pbxSends(const QByteArray& bytes, qint64 atMs, bool overTcp = true) {
+        (overTcp ? tcp : serial).deliver(bytes, atMs);
+    }
+};
+
+TEST_F(ExpectationWait, PlainWaitReportsOtherMessagesThenSucceeds) {
+    pbxSends(frame("STS2   102"), 500);
+    pbxSends(frame("STS2   101"), 1500);
+    engine.WAIT("sts2", "9");
+    EXPECT_EQ(lines(),
+              QStringList({"waiting for --> sts2", "Received--> STS2   102", "Sending -->    ACK",
+                           "ERROR occurred: did not recieve --> sts2",
+                           "but recieved --> STS2   102", "Received--> STS2   101",
+                           "Sending -->    ACK", "successfully received --> sts2"}));
+    EXPECT_EQ(op.notices, QStringList{"successfully received --> sts2"});
+    EXPECT_EQ(session.scriptText, "WAIT STS2   101 9\r\n");
+    EXPECT_TRUE(
+        session.link.errorReport.endsWith(": ERROR occurred while waiting for --> sts2\nbut "
+                                          "instead receieved --> \x02STS2   102\x03\n\n"));
+    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(pump.elapsedMs(), 1500) << "ends as the expected message arrives";
+    EXPECT_FALSE(session.link.waitingForAck);
+}
+
+TEST_F(ExpectationWait, NoticeWaitPassesOverOtherMessagesInSilence) {
+    pbxSends(frame("STS2   102"), 500);
+    pbxSends(frame("STS2   101"), 1500);
+    engine.NTFY("sts2", "9");
+    EXPECT_EQ(lines(), QStringList({"send notify for --> sts2", "Received--> STS2   102",
+                                    "Sending -->    ACK", "Received--> STS2   101",
+                                    "Sending -->    ACK", "successfully received --> sts2"}));
+    EXPECT_TRUE(session.link.errorReport.isEmpty());
+    EXPECT_EQ(session.scriptText, "NTFY STS2   101 9\r\n");
+}
+
+TEST_F(ExpectationWait, Outcomes) {
+    struct Case {
+        const char* name;
+        QString item;
+        QString digit;
+        QByteArray arrives; // at 1 s, empty for none
+        bool overTcp;
+        bool succeeds;
+        qint64 endsAtMs; // -1: stopped at 100 s
+        QString recorded;
+    } cases[] = {
+        {"digit x waits five seconds", "sts1", "x", "", true, false, 5000, ""},
+        {"digit x records 5", "sts1", "x", frame("STS1   101"), true, true, 1000,
+         "WAIT STS1   101 5\r\n"},
+        {"digit 0 waits until stopped", "sts1", "0", "", true, false, -1, ""},
+        {"rti over tcp", "rti", "3", frame("RQINZ     "), true, true, 1000, "WAIT rti 3\r\n"},
+        {"rti over serial never", "rti", "3", frame("RQINZ     "), false, false, 3000, ""},
+        {"ack never succeeds", "ack", "2", ACK, true, false, 2000, ""},
+        {"mr with its room", "mr", "4", frame("MR 0001  101"), true, true, 1000,
+         "WAIT MR 0001  101 4\r\n"},
+        {"mr with another code", "mr", "4", frame("MR 0002  101"), true, false, 4000, ""},
+        {"mw1", "mw1", "4", frame("MW 1   101"), true, true, 1000, "WAIT MW 1   101 4\r\n"},
+        {"alt expects ALT1 and records ALT", "alt", "4", frame("ALT1   101"), true, true, 1000,
+         "WAIT ALT   101 4\r\n"},
+        {"sts for another room", "sts3", "2", frame("STS3   102"), true, false, 2000, ""},
+    };
+    for (auto& c : cases) {
+        restart();
+        session.recording = true;
+        session.fields.setText(Field::txt_suite_1, "101");
+        session.link.settings.useTcp = c.overTcp;
+        serial.openPort("/dev/ttyS0");
+        const qint64 start = pump.elapsedMs();
+        if (!c.arrives.isEmpty())
+            pbxSends(c.arrives, 1000, c.overTcp);
+        if (c.endsAtMs < 0)
+            pump.schedule(100'000, [&] { engine.cmd_cancel(); });
+        engine.WAIT(c.item, c.digit);
+        const qint64 took = pump.elapsedMs() - start;
+        if (c.endsAtMs < 0)
+            EXPECT_EQ(took, 100'000) << c.name;
+        else
+            EXPECT_NEAR(took, c.endsAtMs, c.succeeds ? 0 : 20) << c.name;
+        EXPECT_EQ(lines().contains("successfully received --> " + c.item), c.succeeds) << c.name;
+        EXPECT_EQ(lines().contains("Time expired.  Did not receive--> " + c.item),
+                  !c.succeeds && c.endsAtMs >= 0)
+            << c.name;
+        EXPECT_EQ(session.scriptText, c.recorded) << c.name;
+        EXPECT_FALSE(session.stopScript) << c.name;
+        EXPECT_EQ(session.link.errorCount, 0) << c.name;
+    }
+}
+
+TEST_F(ExpectationWait, NoticeWaitForAltRecordsWhatReplayPassesOver) {
+    pbxSends(frame("ALT1   101"), 100);
+    engine.NTFY("alt", "3");
+    EXPECT_EQ(session.scriptText, "NTFY ATL   101 3\r\n");
+}
+
+TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
+    struct Case {
+        QString time;
+        qint64 ms;
+    } cases[] = {{"2", 2000}, {"0730", 5000}, {"", 5000}, {"x", 5000}};
+    for (auto& c : cases) {
+        restart();
+        session.fields.setText(Field::txt_time, c.time);
+        const qint64 start = pump.elapsedMs();
+        engine.cmb_wait_Click(" sts4 ");
+        EXPECT_NEAR(pump.elapsedMs() - start, c.ms, 20) << c.time.toStdString();
+    }
+    restart();
+    engine.cmb_notify_Click("bogus");
+    EXPECT_EQ(op.notices, QStringList{"message not recgonized"});
+    engine.cmb_notify_Click("");
+    EXPECT_EQ(op.notices.size(), 1);
+}
+
+} // namespace

@@ -1,0 +1,210 @@
+#include "common/script_fixture.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Outcome = ScriptEngine::RunOutcome;
+
+namespace {
+
+class Runner : public ScriptFixture {};
+
+TEST_F(Runner, OneLineFilePlaysNothingAndCompletes) {
+    EXPECT_EQ(play("CHK1   101\r\n"), Outcome::Completed);
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_EQ(op.notices, QStringList{"Script file completed"});
+    EXPECT_EQ(lines(), QStringList{"************* STARTING SCRIPT ***************"});
+    EXPECT_TRUE(enabled("Xtest"));
+    EXPECT_TRUE(enabled("cmd_chk_in"));
+    EXPECT_FALSE(enabled("StopScript"));
+}
+
+TEST_F(Runner, HotelScriptForcesHyattAndPacesOneSecond) {
+    session.link.protocolType = "HIS";
+    EXPECT_EQ(play("\r\nCHK1   101\r\nCHK0   102\r\n;\r\n"), Outcome::Completed);
+    EXPECT_EQ(session.link.protocolType, "HYATT");
+    EXPECT_EQ(frames(), QStringList({"CHK1   101", "CHK0   102"}));
+    EXPECT_GE(pump.elapsedMs(), 2000);
+}
+
+TEST_F(Runner, EveryHotelWordReplaysItsFrame) {
+    const QStringList script = {
+        "CHK1   101",
+        "CHK0   101",
+        "NAM1 Smith                  101",
+        "NAM2 Jones                  101",
+        "NAM3 Jones                  101",
+        "NAM4 Smith                  101  205",
+        "MW 1   101",
+        "MW 0   101",
+        "LMT1   101   500",
+        "WKP0730  101",
+        "WKP2359  101",
+        "RST2    12",
+        "DPT1 SALES       101",
+        "DPT2 SALES       101",
+        "DPT3 SALES       101",
+        "LOC1 LOBBY       101",
+        "LOC2 LOBBY       101",
+        "LOC3 LOBBY       101",
+        "STE0   101   102   103",
+        "STE3   101",
+        "STEB   101   102   103   104   105",
+        "STE5   101   102",
+    };
+    EXPECT_EQ(play((script.join("\r\n") + "\r\n;end\r\n").toLatin1()), Outcome::Completed);
+    // Transfer Name fills both room fields, so its line sends a second frame for the target.
+    QStringList expected = script;
+    expected.insert(expected.indexOf("NAM4 Smith                  101  205") + 1,
+                    "NAM4 Smith                  205  205");
+    EXPECT_EQ(frames(), expected);
+    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(op.notices, QStringList{"Script file completed"});
+}
+
+TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
+    // Every hotel transaction but Transfer Name, whose replayed line fills the target room into
+    // both room fields and so sends one frame more than was recorded.
+    session.recording = true;
+    click({{Field::txt_suite_1, "101"}}, &Session::cmd_chk_in);
+    click({}, &Session::cmd_chk_out);
+    click({{Field::Text1, "Smith"}}, &Session::cmd_name_1);
+    click({}, &Session::cmd_replace_name);
+    click({}, &Session::Command6);
+    click({{Field::txt_time, "0730"}}, &Session::cmd_wakeup);
+    click({{Field::txt_credit, "500"}}, &Session::cmd_set_credit);
+    click({}, &Session::cmd_msg_wait);
+    click({}, &Session::cmd_message_waiting_0);
+    click({{Field::txt_department, "SALES"}}, &Session::cmd_dept);
+    click({}, &Session::cmd_department_2);
+    click({}, &Session::cmd_department_3);
+    click({{Field::txt_location, "LOBBY"}}, &Session::cmd_loc);
+    click({}, &Session::cmd_location_2);
+    click({}, &Session::cmd_location_3);
+    session.cmb_restrict = "option 3";
+    session.cmb_restrict_Click();
+    click({{Field::txt_ls_pilot, "300"}, {Field::txt_suite_3, "301"}}, &Session::cmd_ste6);
+    click({{Field::txt_suite_1, "302"}}, &Session::cmd_ste5);
+    const QStringList recordedFrames = frames();
+    ASSERT_EQ(recordedFrames.size(), 18);
+    ASSERT_EQ(session.scriptText.count("\r\n"), 18);
+
+    tcp.written.clear();
+    session.recording = false;
+    EXPECT_EQ(play((session.scriptText + ";\r\n").toLatin1()), Outcome::Completed);
+    EXPECT_EQ(frames(), recordedFrames);
+}
+
+TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
+    session.link.pmsMode = "VMAIL";
+    session.link.protocolType = "HIS";
+    session.recording = true;
+    session.scriptText = "VMAILHIS\r\n";
+    const QList<std::pair<FieldTexts, Action>> clicks = {
+        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_in},
+        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out},
+        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_name_1},
+        {{{Field::txt_suite_2, "4002"}}, &Session::Command6},
+        {{{Field::txt_suite_4, "12"}}, &Session::cmd_department_3},
+        {{{Field::txt_department, "3"}}, &Session::cmd_replace_name},
+        {{{Field::txt_suite_1, "1234"}}, &Session::cmd_xfer_name},
+        {{{Field::txt_suite_1, "4321"}}, &Session::cmd_dept},
+        {{{Field::txt_suite_3, "77"}}, &Session::cmd_department_2},
+    };
+    for (const auto& [texts, action] : clicks)
+        click(texts, action);
+    const QList<QByteArray> sent = tcp.written;
+    ASSERT_EQ(sent.size(), 9);
+
+    tcp.written.clear();
+    session.recording = false;
+    session.link.pmsMode = "HOTEL";
+    EXPECT_EQ(play((session.scriptText + ";\r\n").toLatin1()), Outcome::Completed);
+    EXPECT_EQ(session.link.pmsMode, "VMAIL");
+    EXPECT_EQ(tcp.written, sent);
+    EXPECT_EQ(session.controls.state("cmd_name_1").caption, "Query MW Status");
+}
+
+TEST_F(Runner, UnknownWordStopsTheScript) {
+    EXPECT_EQ(play("CHK1   101\r\nSTOP\r\nCHK0   101\r\n;\r\n"), Outcome::Unrecognized);
+    EXPECT_EQ(frames(), QStringList{"CHK1   101"});
+    EXPECT_EQ(op.notices, QStringList{"Command: STOP"});
+    EXPECT_EQ(lines().mid(lines().size() - 2),
+              QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
+    EXPECT_EQ(session.link.errorReport, stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_TRUE(enabled("Xtest"));
+}
+
+TEST_F(Runner, BlankThenSemicolonIsAnUnknownCommand) {
+    EXPECT_EQ(play(" ;x\r\n;\r\n"), Outcome::Unrecognized);
+    EXPECT_EQ(op.notices, QStringList{"Command:  ;x\r"});
+}
+
+TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {
+    pbx.onFrame = FakePbx::Answer::Nak;
+    EXPECT_EQ(play("CHK0   101\r\nMW 1   102\r\n;\r\n"), Outcome::Completed);
+    EXPECT_EQ(session.link.errorCount, 2);
+    EXPECT_EQ(op.notices,
+              QStringList{"Script file ended!\r\n There were 2 Errors\r\nView Log for details"});
+}
+
+TEST_F(Runner, ContinuousReplaysUntilStopped) {
+    engine.Continuous = true;
+    pump.schedule(10'500, [&] { engine.cmd_cancel(); });
+    EXPECT_EQ(play("CHK1   101\r\n;\r\n"), Outcome::Cancelled);
+    EXPECT_GE(frames().size(), 4);
+    EXPECT_EQ(lines().last(), "Script cancelled...");
+    EXPECT_TRUE(op.notices.isEmpty()) << "no completion notice in continuous play";
+}
+
+TEST_F(Runner, CancelBetweenCommandsLeavesButtonsDisabledStopScriptRestoresThem) {
+    struct Case {
+        void (ScriptEngine::*stop)();
+        bool buttonsBack;
+    } cases[] = {{&ScriptEngine::cmd_cancel, false}, {&ScriptEngine::StopScript, true}};
+    for (auto& c : cases) {
+        restart();
+        session.enable_transaction_controls();
+        pump.schedule(500, [&] { (engine.*c.stop)(); });
+        EXPECT_EQ(play("CHK1   101\r\nCHK1   102\r\n;\r\n"), Outcome::Cancelled);
+        EXPECT_EQ(frames(), QStringList{"CHK1   101"}) << "the running command finishes";
+        EXPECT_EQ(lines().last(), "Script cancelled...");
+        EXPECT_EQ(enabled("Xtest"), c.buttonsBack);
+        EXPECT_EQ(enabled("cmd_chk_in"), c.buttonsBack);
+        EXPECT_FALSE(session.stopScript);
+    }
+}
+
+TEST_F(Runner, StopInsideAWaitEndsOnlyTheWait) {
+    pump.schedule(3000, [&] { engine.StopScript(); });
+    EXPECT_EQ(play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n"), Outcome::Completed);
+    EXPECT_EQ(frames(), QStringList{"CHK1   101"});
+    EXPECT_FALSE(lines().contains("Script cancelled..."));
+    EXPECT_FALSE(lines().contains("Time expired.  Did not receive--> sts2"));
+}
+
+TEST_F(Runner, UnknownExpectationIsPassedOverAndReadFromMidLine) {
+    // "NTFY ATL " is what a notice wait for "alt" records: not replayable.
+    EXPECT_EQ(play("NTFY ATL   101 5\r\n;\r\n"), Outcome::Unrecognized);
+    EXPECT_EQ(op.notices, QStringList{"Command: ATL "});
+    EXPECT_FALSE(lines().contains("send notify for --> alt"));
+}
+
+TEST_F(Runner, UnreadableFileIsANoticeAndChangesNothing) {
+    EXPECT_EQ(engine.runScriptFile(dir.filePath("missing.txt")), Outcome::NotRead);
+    ASSERT_EQ(op.notices.size(), 1);
+    EXPECT_TRUE(op.notices[0].startsWith("Cannot read script file")) << op.notices[0];
+    EXPECT_TRUE(enabled("Xtest"));
+    EXPECT_TRUE(session.log.logText().isEmpty());
+}
+
+TEST_F(Runner, RunScriptAsksForTheFile) {
+    op.filesToOpen = {write("CHK1   101\r\n;\r\n")};
+    engine.Xtest();
+    EXPECT_EQ(frames(), QStringList{"CHK1   101"});
+    op.notices.clear();
+    engine.Xtest(); // cancelled dialog
+    EXPECT_TRUE(op.notices.isEmpty());
+}
+
+} // namespace

@@ -1,7 +1,7 @@
 // larkspur-pbxsim: the PBX side of the link, for practice, demos and our own tests.
 
+#include "link/termination_signals.h"
 #include "sim/pbx_simulator.h"
-#include "sim/quit_on_signal.h"
 #include "sim/sim_options.h"
 #include "sim/stdin_lines.h"
 #include "sim/tracer.h"
@@ -55,7 +55,8 @@ int main(int argc, char** argv) {
     }
 
     QString error;
-    if (!quitOnTerminationSignals(&error)) {
+    // Quit through the event loop so destructors run (the pty's symlink is removed).
+    if (!larkspur::watchTerminationSignals([] { QCoreApplication::quit(); }, &error)) {
         printError(error);
         return 1;
     }

@@ -1,18 +1,16 @@
-#include "sim/quit_on_signal.h"
+#include "link/termination_signals.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
-#include <QString>
 
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace larkspur::sim {
+namespace larkspur {
 
 namespace {
-
 // A signal handler may only write to a pipe; the event loop reads the other end.
 int signalPipe[2] = {-1, -1};
 
@@ -20,10 +18,9 @@ void onSignal(int) {
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
 }
-
 } // namespace
 
-bool quitOnTerminationSignals(QString* error) {
+bool watchTerminationSignals(std::function<void()> handler, QString* error) {
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         if (error)
             *error = QStringLiteral("cannot watch for signals: ") +
@@ -33,7 +30,12 @@ bool quitOnTerminationSignals(QString* error) {
     auto* notifier =
         new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, QCoreApplication::instance(),
-                     &QCoreApplication::quit);
+                     [handler = std::move(handler)] {
+                         char drained[16];
+                         while (::read(signalPipe[0], drained, sizeof drained) > 0) {
+                         }
+                         handler();
+                     });
 
     struct sigaction action {};
     action.sa_handler = onSignal;
@@ -44,4 +46,4 @@ bool quitOnTerminationSignals(QString* error) {
     return true;
 }
 
-} // namespace larkspur::sim
+} // namespace larkspur

@@ -1,0 +1,26 @@
+// larkspur-run: plays a script against the PBX without a window, for CI and lab racks.
+#include "script/headless_player.h"
+#include "script/player_options.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Larkspur"));
+    QCoreApplication::setApplicationName(QStringLiteral("Larkspur"));
+
+    QString error;
+    const auto options = larkspur::parsePlayerOptions(app.arguments().mid(1), error);
+    if (!options) {
+        std::fprintf(stderr, "larkspur-run: %s\n%s", qPrintable(error),
+                     qPrintable(larkspur::playerUsage()));
+        return larkspur::exitcode::usage;
+    }
+    if (options->help) {
+        std::fputs(qPrintable(larkspur::playerUsage()), stdout);
+        return 0;
+    }
+    return larkspur::runHeadless(*options);
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace larkspur {
+
+// One test case per played script command, written as JUnit XML for CI.
+class JunitReport {
+public:
+    struct Case {
+        QString name;
+        double seconds = 0;
+        QString failure; // empty when the command did not fail
+        QString output;  // the log lines of the command
+    };
+
+    void add(Case c) { m_cases.append(std::move(c)); }
+    const QList<Case>& cases() const { return m_cases; }
+
+    // Writes the report for the script `suiteName`; false when the file could not be written.
+    bool write(const QString& path, const QString& suiteName) const;
+
+private:
+    QList<Case> m_cases;
+};
+
+} // namespace larkspur

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace larkspur {
+
+// The command line of the headless player. Unset options keep the stored settings.
+struct PlayerOptions {
+    std::optional<QString> tcpHost;
+    std::optional<QString> tcpPort;
+    std::optional<QString> serialPort;
+    std::optional<QString> line; // SPEED,PARITY,DATA,STOP
+    bool dtr = false;
+    bool rts = false;
+    bool nullDiscard = false;
+    std::optional<QString> mode;     // HOTEL or VMAIL
+    std::optional<QString> protocol; // HYATT or HIS
+    bool errorMode = false;
+    bool continuous = false;
+    double connectTimeoutSeconds = 30;
+    QString saveLog;
+    QString errorReport;
+    QString junit;
+    QString script;
+    bool help = false;
+};
+
+// Parses the arguments after the program name. On an error returns nothing and says why.
+std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QString& error);
+
+QString playerUsage();
+
+} // namespace larkspur

@@ -1,0 +1,70 @@
+#include "common/qt_printers.h"
+#include "script/player_options.h"
+
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+
+namespace {
+
+TEST(PlayerOptions, ReadsEveryOption) {
+    QString error;
+    const auto o = parsePlayerOptions({"--tcp",
+                                       "pbx.lab:2001",
+                                       "--line",
+                                       "9600,E,7,1",
+                                       "--dtr",
+                                       "--rts",
+                                       "--null-discard",
+                                       "--mode",
+                                       "VMAIL",
+                                       "--protocol",
+                                       "HIS",
+                                       "--error-mode",
+                                       "--continuous",
+                                       "--connect-timeout",
+                                       "2.5",
+                                       "--save-log",
+                                       "a.log",
+                                       "--error-report",
+                                       "e.txt",
+                                       "--junit",
+                                       "j.xml",
+                                       "s.txt"},
+                                      error);
+    ASSERT_TRUE(o) << error;
+    EXPECT_EQ(*o->tcpHost, "pbx.lab");
+    EXPECT_EQ(*o->tcpPort, "2001");
+    EXPECT_EQ(*o->line, "9600,E,7,1");
+    EXPECT_TRUE(o->dtr && o->rts && o->nullDiscard && o->errorMode && o->continuous);
+    EXPECT_EQ(*o->mode, "VMAIL");
+    EXPECT_EQ(*o->protocol, "HIS");
+    EXPECT_DOUBLE_EQ(o->connectTimeoutSeconds, 2.5);
+    EXPECT_EQ(QStringList({o->saveLog, o->errorReport, o->junit, o->script}),
+              QStringList({"a.log", "e.txt", "j.xml", "s.txt"}));
+}
+
+TEST(PlayerOptions, RejectsWithAReason) {
+    struct Case {
+        QStringList arguments;
+        const char* mentions;
+    } cases[] = {
+        {{}, "no script"},
+        {{"--tcp", "host", "s"}, "HOST:PORT"},
+        {{"--tcp", "host:0", "s"}, "HOST:PORT"},
+        {{"--tcp", "h:1", "--serial", "1", "s"}, "exclude"},
+        {{"--line", "9600,N,8", "s"}, "SPEED,PARITY"},
+        {{"--protocol", "hyatt", "s"}, "HYATT or HIS"},
+        {{"--connect-timeout", "0", "s"}, "above 0"},
+        {{"--junit"}, "needs a value"},
+        {{"a", "b"}, "one too many"},
+        {{"-x", "s"}, "unknown option"},
+    };
+    for (auto& c : cases) {
+        QString error;
+        EXPECT_FALSE(parsePlayerOptions(c.arguments, error)) << c.arguments.join(' ').toStdString();
+        EXPECT_TRUE(error.contains(c.mentions)) << error.toStdString();
+    }
+}
+
+} // namespace

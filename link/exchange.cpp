@@ -20,8 +20,11 @@ QString enqText() {
 
 void Link::send_text(const QString& text) {
     Transport& transport = activeTransport();
-    if (transport.isOpen())
-        transport.write(text.toLatin1());
+    if (!transport.isOpen())
+        return;
+    const QByteArray bytes = text.toLatin1();
+    transport.write(bytes);
+    Q_EMIT bytesSent(bytes);
 }
 
 void Link::wait_for_ack(bool show) {

@@ -112,6 +112,9 @@ Q_SIGNALS:
     void recordingStopped();
     // Disconnect pressed: controls go dead and a running script stops.
     void disconnected();
+    // Every transport write and read as it crossed the wire, for the wire trace.
+    void bytesSent(const QByteArray& bytes);
+    void bytesReceived(const QByteArray& bytes);
     // The transport went away or warned; for the status bar.
     void linkLost(const QString& reason);
     void linkWarning(const QString& text);

@@ -47,12 +47,16 @@ void Link::onSerialCarrierDetect() {
 
 void Link::onSerialData() {
     ackReceived = true;
-    receive(QString::fromLatin1(m_serial.readAll()), Receiver::Serial);
+    const QByteArray bytes = m_serial.readAll();
+    Q_EMIT bytesReceived(bytes);
+    receive(QString::fromLatin1(bytes), Receiver::Serial);
 }
 
 void Link::onTcpData() {
     ackReceived = true;
-    const QString text = trimBlanks(QString::fromLatin1(m_tcp.readAll()));
+    const QByteArray bytes = m_tcp.readAll();
+    Q_EMIT bytesReceived(bytes);
+    const QString text = trimBlanks(QString::fromLatin1(bytes));
     if (text == QString::fromLatin1("\xFF\xFB\x01")) {
         // The server offers to echo: the connection is still being set up.
         m_log.logLine(QStringLiteral("Connecting..."));

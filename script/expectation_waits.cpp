@@ -79,6 +79,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
     link.ackReceived = false;
     const int seconds = waitSeconds(digit);
     const double deadline = pump.secondsSinceMidnight() + seconds;
+    const QDateTime started = pump.currentDateTime();
     const bool plain = kind == WaitKind::Plain;
     session.log.logLine(
         (plain ? QStringLiteral("waiting for --> ") : QStringLiteral("send notify for --> ")) +
@@ -133,6 +134,9 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
                             QStringLiteral(": Time expired.  Did not receive--> ") + item +
                             QStringLiteral("\n\n");
     }
+    if (end != End::Stopped)
+        Q_EMIT session.expectationEnded(item, end == End::Success,
+                                        started.msecsTo(pump.currentDateTime()));
     link.waitingForAck = false;
     session.stopScript = false;
 }

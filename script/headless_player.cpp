@@ -3,10 +3,12 @@
 #include "link/log_files.h"
 #include "link/operator_interface.h"
 #include "link/qt_event_pump.h"
+#include "link/run_statistics.h"
 #include "link/serial_transport.h"
 #include "link/settings_store.h"
 #include "link/tcp_transport.h"
 #include "link/termination_signals.h"
+#include "link/wire_trace.h"
 #include "script/junit_report.h"
 #include "script/player_options.h"
 #include "script/script_engine.h"
@@ -112,6 +114,29 @@ int runHeadless(const PlayerOptions& options) {
         printError(QStringLiteral("link lost: %1").arg(reason));
     });
 
+    // Only the newest rows are kept in memory; the file gets every one as it happens.
+    WireTrace trace(1000);
+    traceLink(session.link, trace);
+    QFile traceFile(options.trace);
+    if (!options.trace.isEmpty()) {
+        if (!traceFile.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+            printError(QStringLiteral("cannot write the trace %1: %2")
+                           .arg(options.trace, traceFile.errorString()));
+            return exitcode::usage;
+        }
+        QObject::connect(&trace, &WireTrace::rowAdded, [&traceFile](const WireRow& row) {
+            traceFile.write((WireTrace::format(row) + QLatin1Char('\n')).toLatin1());
+            traceFile.flush();
+        });
+    }
+    RunStatistics statistics;
+    QObject::connect(&trace, &WireTrace::exchangeEnded,
+                     [&statistics](const ExchangeEvent& e) { statistics.add(e); });
+    QObject::connect(&session, &Session::expectationEnded,
+                     [&statistics](const QString& item, bool succeeded, qint64 ms) {
+                         statistics.addWait(item, succeeded, ms);
+                     });
+
     // A first signal acts as CANCEL (and keeps acting after each wait clears it); a second one
     // ends every wait at once.
     int signals = 0;
@@ -171,6 +196,22 @@ int runHeadless(const PlayerOptions& options) {
     const ScriptEngine::RunOutcome outcome = engine.runScriptFile(options.script);
     playing = false;
     session.cmd_disconnect();
+    trace.finish(pump.currentDateTime());
+
+    if (!statistics.isEmpty())
+        std::fprintf(stderr, "%s", qPrintable(statistics.table()));
+    for (auto it = statistics.rows().cbegin(); it != statistics.rows().cend(); ++it) {
+        const RunStatistics::Row& r = it.value();
+        const QString type = it.key();
+        report.addProperty(type + QStringLiteral(".sent"), QString::number(r.sent));
+        report.addProperty(type + QStringLiteral(".acknowledged"), QString::number(r.acknowledged));
+        report.addProperty(type + QStringLiteral(".refused"), QString::number(r.refused));
+        report.addProperty(type + QStringLiteral(".timedOut"), QString::number(r.timedOut));
+        if (!r.answerMs.isEmpty())
+            report.addProperty(
+                type + QStringLiteral(".answerMs"),
+                QStringLiteral("%1/%2/%3").arg(r.minMs()).arg(r.medianMs()).arg(r.maxMs()));
+    }
 
     if (!options.saveLog.isEmpty() && !saveLogFile(options.saveLog, session.log.viewerList()))
         printError(QStringLiteral("cannot write the log file %1").arg(options.saveLog));

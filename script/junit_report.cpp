@@ -41,6 +41,16 @@ bool JunitReport::write(const QString& path, const QString& suiteName) const {
     xml.writeAttribute(QStringLiteral("failures"), QString::number(failures));
     xml.writeAttribute(QStringLiteral("errors"), QStringLiteral("0"));
     xml.writeAttribute(QStringLiteral("time"), QString::number(total, 'f', 3));
+    if (!m_properties.isEmpty()) {
+        xml.writeStartElement(QStringLiteral("properties"));
+        for (const auto& [name, value] : m_properties) {
+            xml.writeStartElement(QStringLiteral("property"));
+            xml.writeAttribute(QStringLiteral("name"), printable(name));
+            xml.writeAttribute(QStringLiteral("value"), printable(value));
+            xml.writeEndElement();
+        }
+        xml.writeEndElement();
+    }
     int index = 0;
     for (const Case& c : m_cases) {
         xml.writeStartElement(QStringLiteral("testcase"));

@@ -16,6 +16,10 @@ public:
     };
 
     void add(Case c) { m_cases.append(std::move(c)); }
+    // A name/value pair of the whole run (the run statistics).
+    void addProperty(const QString& name, const QString& value) {
+        m_properties.append({name, value});
+    }
     const QList<Case>& cases() const { return m_cases; }
 
     // Writes the report for the script `suiteName`; false when the file could not be written.
@@ -23,6 +27,7 @@ public:
 
 private:
     QList<Case> m_cases;
+    QList<std::pair<QString, QString>> m_properties;
 };
 
 } // namespace larkspur

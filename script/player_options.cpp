@@ -10,7 +10,7 @@ QString playerUsage() {
         "                    [--dtr] [--rts] [--null-discard] [--mode HOTEL|VMAIL]\n"
         "                    [--protocol HYATT|HIS] [--error-mode] [--continuous]\n"
         "                    [--connect-timeout SECONDS] [--save-log FILE]\n"
-        "                    [--error-report FILE] [--junit FILE] SCRIPT\n");
+        "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n");
 }
 
 std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QString& error) {
@@ -103,6 +103,9 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
                 return std::nullopt;
         } else if (a == u"--junit") {
             if (!value(o.junit))
+                return std::nullopt;
+        } else if (a == u"--trace") {
+            if (!value(o.trace))
                 return std::nullopt;
         } else if (a.startsWith(u"-") && a.size() > 1) {
             error = QStringLiteral("unknown option %1").arg(a);

@@ -23,6 +23,7 @@ struct PlayerOptions {
     QString saveLog;
     QString errorReport;
     QString junit;
+    QString trace;
     QString script;
     bool help = false;
 };

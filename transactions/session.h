@@ -102,6 +102,10 @@ public:
     // Connect and Disconnect buttons: the link's own, plus the buttons they switch.
     Link::ConnectResult cmd_connect(double connectLimitSeconds = 0);
     void cmd_disconnect();
+
+Q_SIGNALS:
+    // An expected-message wait ended by success or time-out after `ms`.
+    void expectationEnded(const QString& item, bool succeeded, qint64 ms);
 };
 
 } // namespace larkspur

@@ -1,0 +1,71 @@
+#include "link/run_statistics.h"
+
+#include <algorithm>
+
+namespace larkspur {
+
+qint64 RunStatistics::Row::minMs() const {
+    return answerMs.isEmpty() ? -1 : *std::min_element(answerMs.begin(), answerMs.end());
+}
+
+qint64 RunStatistics::Row::maxMs() const {
+    return answerMs.isEmpty() ? -1 : *std::max_element(answerMs.begin(), answerMs.end());
+}
+
+qint64 RunStatistics::Row::medianMs() const {
+    if (answerMs.isEmpty())
+        return -1;
+    QList<qint64> sorted = answerMs;
+    std::sort(sorted.begin(), sorted.end());
+    return sorted.at(sorted.size() / 2);
+}
+
+void RunStatistics::add(const ExchangeEvent& event) {
+    Row& row = m_rows[event.type];
+    ++row.sent;
+    switch (event.outcome) {
+    case ExchangeEvent::Outcome::Acknowledged:
+        ++row.acknowledged;
+        break;
+    case ExchangeEvent::Outcome::Refused:
+        ++row.refused;
+        break;
+    case ExchangeEvent::Outcome::TimedOut:
+        ++row.timedOut;
+        break;
+    }
+    if (event.answerMs >= 0)
+        row.answerMs.append(event.answerMs);
+}
+
+void RunStatistics::addWait(const QString& item, bool succeeded, qint64 ms) {
+    ExchangeEvent event{QStringLiteral("wait ") + item,
+                        succeeded ? ExchangeEvent::Outcome::Acknowledged
+                                  : ExchangeEvent::Outcome::TimedOut,
+                        succeeded ? ms : -1};
+    add(event);
+}
+
+QString RunStatistics::table() const {
+    const auto ms = [](qint64 v) { return v < 0 ? QStringLiteral("-") : QString::number(v); };
+    QString out = QStringLiteral("%1 %2 %3 %4 %5  %6\n")
+                      .arg(QStringLiteral("message type"), -36)
+                      .arg(QStringLiteral("sent"), 6)
+                      .arg(QStringLiteral("acked"), 6)
+                      .arg(QStringLiteral("refused"), 8)
+                      .arg(QStringLiteral("timeout"), 8)
+                      .arg(QStringLiteral("answer ms min/median/max"));
+    for (auto it = m_rows.cbegin(); it != m_rows.cend(); ++it) {
+        const Row& r = it.value();
+        out += QStringLiteral("%1 %2 %3 %4 %5  %6/%7/%8\n")
+                   .arg(it.key(), -36)
+                   .arg(r.sent, 6)
+                   .arg(r.acknowledged, 6)
+                   .arg(r.refused, 8)
+                   .arg(r.timedOut, 8)
+                   .arg(ms(r.minMs()), ms(r.medianMs()), ms(r.maxMs()));
+    }
+    return out;
+}
+
+} // namespace larkspur

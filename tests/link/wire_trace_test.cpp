@@ -1,0 +1,108 @@
+#include "common/link_fixture.h"
+#include "link/run_statistics.h"
+#include "link/wire_trace.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+
+namespace {
+
+class WireTraceTest : public LinkFixture {
+protected:
+    WireTrace trace;
+    RunStatistics stats;
+    void SetUp() override {
+        LinkFixture::SetUp();
+        traceLink(link, trace);
+        QObject::connect(&trace, &WireTrace::exchangeEnded,
+                         [this](const ExchangeEvent& e) { stats.add(e); });
+    }
+    QStringList rows() const {
+        QStringList out;
+        for (qsizetype i = 0; i < trace.size(); ++i)
+            out << WireTrace::format(trace.row(i)).mid(13); // without the time stamp
+        return out;
+    }
+};
+
+TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
+    const HotelMessageRule rule{"Sending   -->", "-> failed:"};
+    tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack};
+    int attempt = 1;
+    link.sendHotelMessage(rule, "CHK0   101", attempt);
+    EXPECT_EQ(rows(), QStringList({
+                          "TX <ENQ>   | 05",
+                          "RX <ACK>   | 06   ; ENQ answered in 20 ms (ACKed)",
+                          "TX <STX>CHK0   101<ETX>   | 02 43 48 4B 30 20 20 20 31 30 31 03",
+                          "RX <NAK>   | 15   ; frame NAKed in 20 ms",
+                          "TX <STX>CHK0   101<ETX>   | 02 43 48 4B 30 20 20 20 31 30 31 03",
+                          "RX <ACK>   | 06   ; frame ACKed in 20 ms",
+                      }));
+    const RunStatistics::Row& checkOut = stats.rows().value("check-out");
+    EXPECT_EQ(checkOut.sent, 2);
+    EXPECT_EQ(checkOut.acknowledged, 1);
+    EXPECT_EQ(checkOut.refused, 1);
+    EXPECT_EQ(stats.rows().value("ENQ").medianMs(), 20);
+}
+
+TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
+    tcpPbx.onEnq = Answer::Silent;
+    link.send_enq();
+    trace.finish(pump.currentDateTime());
+    EXPECT_EQ(rows().count("TX <ENQ>   | 05"), 5);
+    EXPECT_EQ(rows().filter("-- ENQ unanswered").size(), 5);
+    EXPECT_EQ(stats.rows().value("ENQ").timedOut, 5);
+    EXPECT_EQ(stats.rows().value("ENQ").minMs(), -1);
+}
+
+TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
+    link.pmsMode = "VMAIL";
+    link.protocolType = "HIS";
+    link.sendVmailFrame(link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
+    tcp.deliver(QByteArray("\x02"
+                           "54001  \x03") +
+                char(0x7F));
+    pump.processEvents();
+    const QStringList r = rows();
+    ASSERT_EQ(r.size(), 3);
+    EXPECT_TRUE(r[0].endsWith("; check character right")) << r[0].toStdString();
+    EXPECT_TRUE(r[1].endsWith("; frame ACKed in 20 ms")) << r[1].toStdString();
+    EXPECT_TRUE(r[2].endsWith("; check character wrong")) << r[2].toStdString();
+    EXPECT_EQ(stats.rows().value("voice mail 2 check-in").acknowledged, 1);
+}
+
+TEST(WireTraceRing, KeepsTheNewestRows) {
+    WireTrace trace(3);
+    const QDateTime t(QDate(2026, 1, 1), QTime(1, 2, 3, 4));
+    for (char c = 'a'; c <= 'e'; ++c)
+        trace.received(QByteArray(1, c), t, false);
+    EXPECT_EQ(trace.size(), 3);
+    EXPECT_EQ(trace.dropped(), 2);
+    EXPECT_EQ(trace.row(0).bytes, "c");
+    EXPECT_EQ(trace.row(2).bytes, "e");
+    EXPECT_EQ(WireTrace::format(trace.row(2)), "01:02:03.004 RX e   | 65");
+}
+
+TEST(WireTraceTypes, NamesMessages) {
+    struct Case {
+        QByteArray frame;
+        bool vmail;
+        const char* type;
+    } cases[] = {
+        {"\x02"
+         "CHK1   101\x03",
+         false, "check-in"},
+        {"\x02WKP0730  101\x03", false, "wake-up"},
+        {"\x02RST2    12\x03", false, "restriction"},
+        {"\x02MW 0   101\x03", false, "message waiting off"},
+        {"\x02XYZW\x03", false, "XYZW"},
+        {"\x02"
+         "A4001  1234  \x03x",
+         true, "voice mail A check-in with passcode"},
+    };
+    for (auto& c : cases)
+        EXPECT_EQ(WireTrace::messageType(c.frame, c.vmail), c.type) << c.frame.toStdString();
+}
+
+} // namespace

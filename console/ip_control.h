@@ -1,0 +1,42 @@
+#pragma once
+
+#include "console/ipv4_address.h"
+
+#include <QWidget>
+
+#include <array>
+
+class QLineEdit;
+
+namespace larkspur {
+
+// A four-field IPv4 address entry. Typing "." or a third digit moves on to the next field,
+// Backspace in an empty field back to the one before; a finished field is held to its range.
+class IPControl : public QWidget {
+    Q_OBJECT
+public:
+    explicit IPControl(QWidget* parent = nullptr);
+
+    // The four fields, blank ones as 0: "10.0.0.1".
+    QString Address() const;
+    // Sets the address from a dotted text; a text without "." is ignored. Returns why a text
+    // was refused (fewer than four parts, a part that is not 0 ... 255), or an empty text.
+    QString setAddress(const QString& text);
+    void ClearAddress();
+    // Limits one field (0 ... 3), with the console's packing of the range.
+    void SetFieldRange(int low, int high, int field);
+    void SetFieldFocus(int field);
+    bool IsBlank() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void constrainField(int field);
+    void moveTo(int field);
+
+    std::array<QLineEdit*, 4> m_fields{};
+    std::array<FieldRange, 4> m_ranges{};
+};
+
+} // namespace larkspur

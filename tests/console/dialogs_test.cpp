@@ -1,0 +1,131 @@
+#include "common/recording_operator.h"
+#include "console/comm_port_dialog.h"
+#include "console/ip_control.h"
+#include "console/telnet_dialog.h"
+#include "link/fake_transport.h"
+#include "link/virtual_event_pump.h"
+#include "transactions/session.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+using namespace larkspur::test;
+
+namespace {
+
+class ConnectionDialogs : public ::testing::Test {
+protected:
+    VirtualEventPump pump;
+    RecordingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("tcp")};
+    FakeTransport serial{pump, QStringLiteral("serial")};
+    Session session{pump, op, tcp, serial};
+    LinkSettings& settings = session.link.settings;
+
+    bool ticked(const char* menu) { return session.controls.state(menu).checked; }
+    template <typename T> T* in(QWidget& dialog, const char* name) {
+        T* w = dialog.findChild<T*>(QLatin1String(name));
+        EXPECT_TRUE(w) << name;
+        return w;
+    }
+    void click(QWidget& dialog, const char* button) { in<QPushButton>(dialog, button)->click(); }
+};
+
+TEST_F(ConnectionDialogs, CommPortCancelChangesNothingAndOkChoosesTheSerialLink) {
+    CommPortDialog dialog(session);
+    dialog.load();
+    EXPECT_EQ(in<QComboBox>(dialog, "cmb_speed")->currentText(), "1200");
+    EXPECT_EQ(in<QComboBox>(dialog, "cmb_stopbit")->currentText(), "2");
+    in<QComboBox>(dialog, "cmb_port")->setCurrentText("/dev/pts/3");
+    click(dialog, "cmdCancel");
+    EXPECT_TRUE(settings.useTcp);
+    EXPECT_EQ(settings.commPortNumber, "1");
+    EXPECT_TRUE(ticked("mnuTelnet"));
+    EXPECT_FALSE(ticked("mnuCommport"));
+
+    dialog.load();
+    click(dialog, "cmdOK");
+    EXPECT_FALSE(settings.useTcp) << "OK chooses the serial link even with nothing changed";
+    EXPECT_TRUE(ticked("mnuCommport"));
+    EXPECT_FALSE(ticked("mnuTelnet"));
+    EXPECT_EQ(settings.commPortNumber, "1");
+
+    dialog.load();
+    in<QComboBox>(dialog, "cmb_port")->setCurrentText("/dev/pts/3");
+    in<QComboBox>(dialog, "cmb_speed")->setCurrentText("9600");
+    in<QComboBox>(dialog, "cmb_handshake")->setCurrentText("comRTS");
+    click(dialog, "cmdOK");
+    EXPECT_EQ(settings.commPortNumber, "/dev/pts/3") << "a typed device path is taken";
+    EXPECT_EQ(settings.speed, "9600");
+    EXPECT_EQ(settings.handShake, "comRTS");
+    EXPECT_EQ(settings.parity, "N");
+}
+
+TEST_F(ConnectionDialogs, CommPortListsTheSerialChoices) {
+    CommPortDialog dialog(session);
+    auto* port = in<QComboBox>(dialog, "cmb_port");
+    EXPECT_EQ(port->itemText(0), "1");
+    EXPECT_EQ(port->itemText(1), "2");
+    EXPECT_TRUE(port->isEditable());
+    EXPECT_EQ(in<QComboBox>(dialog, "cmb_parity")->count(), 5);
+    EXPECT_EQ(in<QComboBox>(dialog, "cmb_handshake")->itemText(3), "comRTSXOnXOff");
+}
+
+TEST_F(ConnectionDialogs, TelnetShowsTheStoredAddressAndOkChoosesTcp) {
+    settings.useTcp = false;
+    settings.ipAddress = "10.1.2.3";
+    settings.telnetPort = "2001";
+    TelnetDialog dialog(session);
+    dialog.load();
+    EXPECT_EQ(in<IPControl>(dialog, "IPControl1")->Address(), "10.1.2.3");
+    EXPECT_EQ(in<QLineEdit>(dialog, "Port")->text(), "2001");
+
+    in<IPControl>(dialog, "IPControl1")->setAddress("192.168.5.9");
+    click(dialog, "cmdCancel");
+    EXPECT_EQ(settings.ipAddress, "10.1.2.3");
+    EXPECT_FALSE(settings.useTcp);
+
+    dialog.load();
+    in<IPControl>(dialog, "IPControl1")->setAddress("192.168.5.9");
+    in<QLineEdit>(dialog, "Port")->setText("15375");
+    click(dialog, "cmdOK");
+    EXPECT_TRUE(settings.useTcp);
+    EXPECT_TRUE(ticked("mnuTelnet"));
+    EXPECT_FALSE(ticked("mnuCommport"));
+    EXPECT_EQ(settings.ipAddress, "192.168.5.9");
+    EXPECT_EQ(settings.telnetPort, "15375");
+    EXPECT_TRUE(op.notices.isEmpty());
+}
+
+TEST_F(ConnectionDialogs, TelnetLoadEdgeCases) {
+    const struct {
+        const char* port;
+        const char* address;
+        const char* shownPort;
+        const char* shownAddress;
+        bool reported;
+    } cases[] = {
+        {"0", "10.1.2.3", "15374", "0.0.0.0", false},
+        {"", "10.1.2.3", "15374", "0.0.0.0", false},
+        {"15374", "10.1.300.4", "15374", "0.0.0.0", true},
+        {"15374", "10.1.2", "15374", "0.0.0.0", true},
+        {"15374", "pbx", "15374", "0.0.0.0", false},
+        {"2000", "1.2.3.4.5", "2000", "1.2.3.4", false},
+    };
+    TelnetDialog dialog(session);
+    for (const auto& c : cases) {
+        op.notices.clear();
+        settings.telnetPort = c.port;
+        settings.ipAddress = c.address;
+        dialog.load();
+        EXPECT_EQ(in<QLineEdit>(dialog, "Port")->text(), c.shownPort) << c.port << c.address;
+        EXPECT_EQ(in<IPControl>(dialog, "IPControl1")->Address(), c.shownAddress)
+            << c.port << " " << c.address;
+        EXPECT_EQ(op.notices.size(), c.reported ? 1 : 0) << c.port << " " << c.address;
+    }
+}
+
+} // namespace

@@ -1,0 +1,29 @@
+#include "console/log_commands.h"
+
+#include "link/log_files.h"
+#include "link/operator_interface.h"
+#include "transactions/session.h"
+
+namespace larkspur {
+
+void cmd_save_log(Session& session) {
+    if (session.link.waitingForAck)
+        return;
+    const QString path = session.operatorInterface.chooseFileToSave(logFileFilter);
+    if (!path.isEmpty())
+        saveLogFile(path, session.log.viewerList());
+}
+
+bool cmd_open_logfile(Session& session) {
+    if (session.link.waitingForAck)
+        return false;
+    const QString path = session.operatorInterface.chooseFileToOpen(logFileFilter);
+    return !path.isEmpty() && appendLogFile(path, session.log.viewerList());
+}
+
+void cmd_new_error_file(Session& session) {
+    session.link.errorReport.clear();
+    session.log.viewerList().clear();
+}
+
+} // namespace larkspur

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "transactions/controls.h"
+
+#include <QHash>
+#include <QObject>
+
+namespace larkspur {
+
+// The object name a control's widget, action or menu carries: the control's name, with the
+// element of a control array written with an underscore ("label_wait(1)" -> "label_wait_1").
+QString objectNameOf(const QString& controlName);
+
+// Mirrors Controls onto the window: caption, enabling, visibility and tick of every control,
+// by name, whatever kind of widget, menu entry or menu shows it. Only what changed is set, so
+// a state the operator gave a widget (a ticked check box) is not overwritten by an unrelated
+// change of the same control.
+class ControlBinder : public QObject {
+    Q_OBJECT
+public:
+    ControlBinder(const Controls& controls, QObject* parent = nullptr);
+
+    // Names `object` after the control and shows its state from now on.
+    void bind(const QString& name, QObject* object);
+    QObject* object(const QString& name) const { return m_objects.value(name); }
+    template <typename T> T* get(const QString& name) const {
+        return qobject_cast<T*>(object(name));
+    }
+
+    // Shows the state of a control in full again, e.g. after Qt ticked a menu entry by itself.
+    void refresh(const QString& name);
+
+private:
+    void show(const QString& name, bool everything);
+
+    const Controls& m_controls;
+    QHash<QString, QObject*> m_objects;
+    QHash<QString, ControlState> m_shown;
+};
+
+} // namespace larkspur

@@ -1,0 +1,207 @@
+// What each button, check box, list and menu entry of the window starts. Every operation runs
+// through the operation runner, which counts how many are on the stack.
+#include "console/main_window.h"
+
+#include "console/about_dialog.h"
+#include "console/comm_port_dialog.h"
+#include "console/log_commands.h"
+#include "console/log_view.h"
+#include "console/status_bar.h"
+#include "console/telnet_dialog.h"
+#include "script/script_engine.h"
+#include "transactions/session.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+
+namespace larkspur {
+
+namespace {
+
+template <typename Object> using Command = std::pair<const char*, void (Object::*)()>;
+
+const Command<Session> sessionButtons[] = {
+    {"cmd_chk_in", &Session::cmd_chk_in},
+    {"cmd_chk_out", &Session::cmd_chk_out},
+    {"cmd_name_1", &Session::cmd_name_1},
+    {"Command6", &Session::Command6},
+    {"cmd_replace_name", &Session::cmd_replace_name},
+    {"cmd_xfer_name", &Session::cmd_xfer_name},
+    {"cmd_msg_wait", &Session::cmd_msg_wait},
+    {"cmd_message_waiting_0", &Session::cmd_message_waiting_0},
+    {"cmd_set_credit", &Session::cmd_set_credit},
+    {"cmd_wakeup", &Session::cmd_wakeup},
+    {"cmd_dept", &Session::cmd_dept},
+    {"cmd_department_2", &Session::cmd_department_2},
+    {"cmd_department_3", &Session::cmd_department_3},
+    {"cmd_loc", &Session::cmd_loc},
+    {"cmd_location_2", &Session::cmd_location_2},
+    {"cmd_location_3", &Session::cmd_location_3},
+    {"cmd_ste0", &Session::cmd_ste0},
+    {"cmd_ste1", &Session::cmd_ste1},
+    {"cmd_ste2", &Session::cmd_ste2},
+    {"cmd_ste3", &Session::cmd_ste3},
+    {"cmd_ste4", &Session::cmd_ste4},
+    {"cmd_ste5", &Session::cmd_ste5},
+    {"cmd_ste6", &Session::cmd_ste6},
+    {"cmd_ste7", &Session::cmd_ste7},
+    {"cmd_ste8", &Session::cmd_ste8},
+    {"cmd_steA", &Session::cmd_steA},
+    {"cmd_steB", &Session::cmd_steB},
+    {"cmd_ste_explain", &Session::cmd_ste_explain},
+    {"cmd_disconnect", &Session::cmd_disconnect},
+    {"cmd_clear", &Session::cmd_clear},
+};
+
+const Command<Link> linkButtons[] = {
+    {"cmd_ack", &Link::cmd_ack},
+    {"cmd_nak", &Link::cmd_nak},
+    {"cmd_enquiry_basic", &Link::cmd_enquiry_basic},
+    {"cmd_ayt", &Link::cmd_ayt},
+    {"cmd_grs", &Link::cmd_grs},
+    {"cmd_end", &Link::cmd_end},
+};
+
+const Command<ScriptEngine> scriptButtons[] = {
+    {"cmd_start_script", &ScriptEngine::cmd_start_script},
+    {"cmd_end_script", &ScriptEngine::cmd_end_script},
+    {"Xtest", &ScriptEngine::Xtest},
+    {"StopScript", &ScriptEngine::StopScript},
+    {"cmd_cancel", &ScriptEngine::cmd_cancel},
+    {"cmd_recovery", &ScriptEngine::cmd_recovery},
+};
+
+const Command<Session> menuCommands[] = {
+    {"mnuHotel", &Session::mnuHotel_Click},
+    {"mnuVoiceMail", &Session::mnuVoiceMail_Click},
+    {"mnu_HIS", &Session::mnu_HIS_Click},
+    {"mnu_Hyatt", &Session::mnu_Hyatt_Click},
+};
+
+} // namespace
+
+void MainWindow::wireCommands() {
+    for (const auto& [name, command] : sessionButtons)
+        onClick(name, [this, command = command] { (m_session.*command)(); });
+    for (const auto& [name, command] : linkButtons)
+        onClick(name, [this, command = command] { (m_session.link.*command)(); });
+    for (const auto& [name, command] : scriptButtons)
+        onClick(name, [this, command = command] { (m_engine.*command)(); });
+    onClick("cmd_connect", [this] { connectLink(); });
+    onClick("cmd_view_log", [this] { viewLog(); });
+    onClick("cmd_save_log", [this] { cmd_save_log(m_session); });
+    onClick("cmd_open_logfile", [this] { openLog(); });
+    onClick("cmd_new_error_file", [this] { startNewLog(); });
+
+    onCheck("chk_error", [this](bool on) { m_session.chk_error_Click(on); });
+    onCheck("chk_linked_suite", [this](bool on) { m_session.chk_linked_suite_Click(on); });
+    onCheck("chk_manual", [this](bool on) { m_session.chk_manual_Click(on); });
+    onCheck("chk_DTREnabled", [this](bool on) { m_session.link.settings.dtrEnabled = on; });
+    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link.settings.rtsEnabled = on; });
+    onCheck("chk_NullDiscard", [this](bool on) { m_session.link.settings.nullDiscard = on; });
+    onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
+
+    onChoose("cmb_restrict", [this](const QString& item) {
+        m_session.cmb_restrict = item;
+        m_session.cmb_restrict_Click();
+    });
+    onChoose("cmb_wait", [this](const QString& item) { m_engine.cmb_wait_Click(item); });
+    onChoose("cmb_notify", [this](const QString& item) { m_engine.cmb_notify_Click(item); });
+
+    for (const auto& [name, command] : menuCommands)
+        onMenu(name, [this, command = command] { (m_session.*command)(); });
+    onMenu("mnuCommport", [this] { showCommPortDialog(); });
+    onMenu("mnuTelnet", [this] { showTelnetDialog(); });
+    onMenu("mnuAbout", [this] { showAbout(); });
+    // Closing has its own way with running operations.
+    connect(m_controls.get<QAction>(QStringLiteral("mnuExit")), &QAction::triggered, this,
+            &QWidget::close);
+}
+
+void MainWindow::onClick(const char* name, const std::function<void()>& operation) {
+    connect(m_controls.get<QAbstractButton>(QLatin1String(name)), &QAbstractButton::clicked, this,
+            [this, operation] { m_runner.run(operation); });
+}
+
+void MainWindow::onCheck(const char* name, const std::function<void(bool)>& operation) {
+    const QString control = QLatin1String(name);
+    connect(m_controls.get<QAbstractButton>(control), &QAbstractButton::clicked, this,
+            [this, control, operation](bool checked) {
+                m_runner.run([&] {
+                    operation(checked);
+                    m_session.controls.setChecked(control, checked);
+                });
+                // The box shows the session's state, whether or not the click was taken.
+                m_controls.refresh(control);
+            });
+}
+
+void MainWindow::onChoose(const char* name, const std::function<void(const QString&)>& operation) {
+    // Choosing the entry already shown chooses it again.
+    connect(m_controls.get<QComboBox>(QLatin1String(name)), &QComboBox::textActivated, this,
+            [this, operation](const QString& item) { m_runner.run([&] { operation(item); }); });
+}
+
+void MainWindow::onMenu(const char* name, const std::function<void()>& operation) {
+    connect(
+        m_controls.get<QAction>(QLatin1String(name)), &QAction::triggered, this, [this, operation] {
+            m_runner.run(operation);
+            // Qt ticks a checkable entry by itself on a click; the ticks are the session's.
+            for (const char* entry :
+                 {"mnuHotel", "mnuVoiceMail", "mnu_HIS", "mnu_Hyatt", "mnuCommport", "mnuTelnet"})
+                m_controls.refresh(QLatin1String(entry));
+        });
+}
+
+void MainWindow::connectLink() {
+    m_status->setLinkState(LinkState::Connecting);
+    switch (m_session.cmd_connect()) {
+    case Link::ConnectResult::Connected:
+        m_status->setLinkState(LinkState::Connected);
+        break;
+    case Link::ConnectResult::NoResponse:
+        m_status->setLinkState(LinkState::NoResponse);
+        break;
+    case Link::ConnectResult::NotOpened:
+        m_status->setLinkState(LinkState::Closed);
+        break;
+    }
+}
+
+void MainWindow::showCommPortDialog() {
+    if (!m_commPortDialog)
+        m_commPortDialog = new CommPortDialog(m_session, this);
+    m_commPortDialog->load();
+    m_commPortDialog->exec();
+}
+
+void MainWindow::showTelnetDialog() {
+    if (!m_telnetDialog)
+        m_telnetDialog = new TelnetDialog(m_session, this);
+    m_telnetDialog->load();
+    m_telnetDialog->exec();
+}
+
+void MainWindow::showAbout() {
+    if (!m_about)
+        m_about = new AboutDialog(this);
+    m_about->exec();
+}
+
+void MainWindow::viewLog() {
+    m_logView->exec();
+}
+
+void MainWindow::openLog() {
+    if (cmd_open_logfile(m_session))
+        m_logView->exec();
+}
+
+void MainWindow::startNewLog() {
+    cmd_new_error_file(m_session);
+    m_logView->entriesCleared();
+}
+
+} // namespace larkspur

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "common/recording_operator.h"
+#include "console/main_window.h"
+#include "link/fake_transport.h"
+#include "link/virtual_event_pump.h"
+#include "script/script_engine.h"
+#include "transactions/session.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace larkspur::test {
+
+// The window over a session in virtual time, with fake transports and settings in a file of
+// its own. The window opens on the first call of window(), so a test can store settings first.
+class ConsoleFixture : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
+    VirtualEventPump pump;
+    RecordingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
+    FakeTransport serial{pump, QStringLiteral("serial fake")};
+    Session session{pump, op, tcp, serial};
+    ScriptEngine engine{session};
+
+    MainWindow& window() {
+        if (!m_window) {
+            m_window = std::make_unique<MainWindow>(session, engine, settings);
+            m_window->show();
+        }
+        return *m_window;
+    }
+    template <typename T> T* find(const QString& objectName) {
+        T* object = window().findChild<T*>(objectName);
+        EXPECT_TRUE(object) << objectName.toStdString();
+        return object;
+    }
+    // The PBX acknowledges everything at once.
+    void pbxAcknowledges() {
+        tcp.onWrite = [this](const QByteArray&) { tcp.deliver(QByteArray(1, 6), 10); };
+    }
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+};
+
+} // namespace larkspur::test

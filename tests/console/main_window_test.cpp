@@ -1,0 +1,227 @@
+#include "console/console_fixture.h"
+#include "console/control_binder.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTest>
+
+using namespace larkspur;
+using namespace larkspur::test;
+
+namespace {
+
+QString captionOf(QObject* o) {
+    if (auto* menu = qobject_cast<QMenu*>(o))
+        return menu->title();
+    if (auto* button = qobject_cast<QAbstractButton*>(o))
+        return button->text();
+    if (auto* label = qobject_cast<QLabel*>(o))
+        return label->text();
+    if (auto* frame = qobject_cast<QGroupBox*>(o))
+        return frame->title();
+    if (auto* action = qobject_cast<QAction*>(o))
+        return action->text();
+    return QString();
+}
+
+using MainWindowTest = ConsoleFixture;
+
+TEST_F(MainWindowTest, EveryControlIsThereUnderItsNameWithItsCaption) {
+    window();
+    for (const QString& name : session.controls.names()) {
+        QObject* o = window().findChild<QObject*>(objectNameOf(name));
+        ASSERT_TRUE(o) << name.toStdString();
+        EXPECT_EQ(captionOf(o), session.controls.state(name).caption) << name.toStdString();
+    }
+    EXPECT_EQ(window().objectName(), "PMS_FORM");
+    EXPECT_TRUE(find<QLabel>("label_wait_1"));
+    EXPECT_TRUE(find<QLabel>("lbl_department_0"));
+    EXPECT_TRUE(find<QWidget>("List1"));
+    // Leading blanks, odd spellings and mnemonics as the operators know them.
+    EXPECT_EQ(find<QLabel>("Credit_label")->text(), "    Credit");
+    EXPECT_EQ(find<QLabel>("Label11")->text(), "  Station  Restrict");
+    EXPECT_EQ(find<QLabel>("label_wait_1")->text(), "  Wait:");
+    EXPECT_EQ(find<QAbstractButton>("cmd_grs")->text(), "&GRS");
+    EXPECT_EQ(find<QAbstractButton>("cmd_ste_explain")->text(), "ste explaination");
+    EXPECT_EQ(find<QComboBox>("cmb_restrict")->itemText(2), "long distant call");
+}
+
+TEST_F(MainWindowTest, StartsDisconnectedWithTheOptionalFramesHidden) {
+    window();
+    EXPECT_FALSE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+    EXPECT_FALSE(find<QAbstractButton>("Xtest")->isEnabled());
+    EXPECT_TRUE(find<QAbstractButton>("cmd_connect")->isEnabled());
+    EXPECT_TRUE(find<QMenu>("mnuPMS")->menuAction()->isEnabled());
+    EXPECT_TRUE(find<QGroupBox>("fr_Linked_suite")->isHidden());
+    EXPECT_TRUE(find<QGroupBox>("fr_manual_mode")->isHidden());
+    EXPECT_EQ(find<QComboBox>("cmb_wait")->currentIndex(), -1) << "nothing chosen yet";
+    EXPECT_EQ(find<QComboBox>("cmb_notify")->count(), ScriptEngine::expectationItems().size());
+}
+
+TEST_F(MainWindowTest, StoredSettingsChooseMenusLabelsAndStatus) {
+    settings.setValue("Startup/PMSMode", "VMAIL");
+    settings.setValue("Startup/ProtocolType", "HIS");
+    settings.setValue("Startup/ConnectionType", "CommPort");
+    settings.setValue("Startup/CommPortNumber", "/dev/ttyUSB0");
+    window();
+    EXPECT_TRUE(find<QAction>("mnuVoiceMail")->isChecked());
+    EXPECT_FALSE(find<QAction>("mnuHotel")->isChecked());
+    EXPECT_TRUE(find<QAction>("mnu_HIS")->isChecked());
+    EXPECT_TRUE(find<QAction>("mnuCommport")->isChecked());
+    EXPECT_FALSE(find<QAction>("mnuTelnet")->isChecked());
+    EXPECT_EQ(find<QAbstractButton>("cmd_name_1")->text(), "Query MW Status");
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "serial /dev/ttyUSB0 closed");
+    EXPECT_EQ(find<QLabel>("lbl_mode_status")->text(), "VMAIL mode, HIS protocol");
+}
+
+TEST_F(MainWindowTest, ModeMenusRelabelAndKeepTheirTicks) {
+    window();
+    find<QAction>("mnuVoiceMail")->trigger();
+    EXPECT_EQ(find<QAbstractButton>("cmd_name_1")->text(), "Query MW Status");
+    EXPECT_EQ(find<QLabel>("Label5")->text(), "Passcode: ");
+    for (const char* hidden : {"cmd_loc", "cmd_wakeup", "cmb_restrict", "Text1", "txt_time",
+                               "chk_DTREnabled", "lbl_department_0", "label_wait_0"})
+        EXPECT_TRUE(find<QWidget>(hidden)->isHidden()) << hidden;
+    EXPECT_FALSE(find<QWidget>("lbl_department_1")->isHidden());
+    EXPECT_TRUE(find<QWidget>("cmd_wakeup")->parentWidget()->isHidden())
+        << "a group with nothing left to show goes too";
+    EXPECT_EQ(find<QLabel>("lbl_mode_status")->text(), "VMAIL mode, HYATT protocol");
+
+    find<QAction>("mnuHotel")->trigger();
+    EXPECT_EQ(find<QLabel>("Label6")->text(), "xfer ext./Suite Pilot 2:");
+    EXPECT_FALSE(find<QWidget>("cmd_wakeup")->isHidden());
+    EXPECT_FALSE(find<QWidget>("cmd_wakeup")->parentWidget()->isHidden());
+
+    // Qt ticks and unticks a checkable entry by itself; the ticks must stay the session's.
+    find<QAction>("mnuHotel")->trigger();
+    EXPECT_TRUE(find<QAction>("mnuHotel")->isChecked());
+    EXPECT_FALSE(find<QAction>("mnuVoiceMail")->isChecked());
+    EXPECT_FALSE(find<QAction>("mnu_HIS")->isEnabled());
+}
+
+TEST_F(MainWindowTest, FieldsGoBothWays) {
+    auto* suite = find<QLineEdit>("txt_suite_1");
+    QTest::keyClicks(suite, "101");
+    EXPECT_EQ(session.fields.text(Field::txt_suite_1), "101");
+
+    session.fields.setText(Field::txt_ls_pilot, "12345");
+    EXPECT_EQ(find<QLineEdit>("txt_ls_pilot")->text(), "12345");
+    session.fields.setText(Field::txt_suite_1, "10");
+    EXPECT_EQ(suite->text(), "10") << "the engine's cut shows";
+
+    auto* name = find<QLineEdit>("Text1");
+    QTest::keyClicks(name, QString(30, u'N'));
+    EXPECT_EQ(session.fields.text(Field::Text1), QString(25, u'N'));
+    QTest::keyClicks(find<QLineEdit>("txt_location"), "ABCDEFGHIJKL");
+    EXPECT_EQ(session.fields.text(Field::txt_location), "ABCDEFGHIJ");
+}
+
+TEST_F(MainWindowTest, TabGoesFromThePilotThroughTheSuiteFields) {
+    QApplication::setActiveWindow(&window());
+    find<QWidget>("txt_ls_pilot")->setFocus();
+    for (const char* next : {"txt_suite_1", "txt_suite_2", "txt_suite_3", "txt_suite_4"}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), next);
+    }
+}
+
+TEST_F(MainWindowTest, ConnectedLocksTheLinkMenusAndShowsTheLink) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    EXPECT_TRUE(tcp.isOpen());
+    for (const char* menu : {"mnuPMS", "mnu_protocal", "mnuConnection"})
+        EXPECT_FALSE(find<QMenu>(menu)->menuAction()->isEnabled()) << menu;
+    EXPECT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+    EXPECT_FALSE(find<QAbstractButton>("cmd_end_script")->isEnabled());
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "TCP 127.0.0.1:15374 connected");
+
+    find<QAbstractButton>("cmd_disconnect")->click();
+    for (const char* menu : {"mnuPMS", "mnu_protocal", "mnuConnection"})
+        EXPECT_TRUE(find<QMenu>(menu)->menuAction()->isEnabled()) << menu;
+    EXPECT_FALSE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "TCP 127.0.0.1:15374 closed");
+}
+
+TEST_F(MainWindowTest, ButtonsReachTheSession) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    tcp.written.clear();
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    find<QAbstractButton>("cmd_chk_in")->click();
+    EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
+                                                "CHK1   101\x03")));
+
+    tcp.written.clear();
+    find<QAbstractButton>("cmd_ack")->click();
+    EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray(1, 6)});
+
+    auto* restrict = find<QComboBox>("cmb_restrict");
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(restrict, Qt::Key_Down);
+    EXPECT_EQ(session.cmb_restrict, "long distant call");
+    EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
+                                                "RST2   101\x03")));
+}
+
+TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {
+    find<QAbstractButton>("chk_DTREnabled")->click();
+    find<QAbstractButton>("chk_NullDiscard")->click();
+    find<QAbstractButton>("Continuous")->click();
+    find<QAbstractButton>("chk_error")->click();
+    EXPECT_TRUE(session.link.settings.dtrEnabled);
+    EXPECT_FALSE(session.link.settings.rtsEnabled);
+    EXPECT_TRUE(session.link.settings.nullDiscard);
+    EXPECT_TRUE(engine.Continuous);
+    EXPECT_TRUE(session.errorMode);
+
+    // Hidden and shown again by the modes, the boxes keep what the operator ticked.
+    find<QAction>("mnuVoiceMail")->trigger();
+    find<QAction>("mnuHotel")->trigger();
+    EXPECT_TRUE(find<QAbstractButton>("chk_DTREnabled")->isChecked());
+
+    find<QAbstractButton>("chk_manual")->click();
+    EXPECT_FALSE(find<QWidget>("fr_manual_mode")->isHidden());
+    find<QAbstractButton>("chk_manual")->click();
+    EXPECT_TRUE(find<QWidget>("fr_manual_mode")->isHidden());
+}
+
+TEST_F(MainWindowTest, ClosingDuringAWaitEndsTheWaitThenCloses) {
+    tcp.acceptAfterMs = -1; // the PBX never accepts: Connect waits until stopped
+    settings.setValue("Startup/Speed", "9600");
+    window();
+    find<QAction>("mnuVoiceMail")->trigger();
+    pump.schedule(5000, [this] { window().close(); });
+    find<QAbstractButton>("cmd_connect")->click();
+
+    EXPECT_TRUE(window().isVisible()) << "the close waits for the operation to return";
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_FALSE(pump.stopRequested());
+    EXPECT_TRUE(session.log.logText().endsWith("Disconnected...\r\n"));
+    settings.sync();
+    EXPECT_EQ(settings.value("Startup/PMSMode").toString(), "VMAIL");
+    EXPECT_EQ(settings.value("Startup/Speed").toString(), "9600");
+    EXPECT_EQ(settings.value("Startup/ConnectionType").toString(), "Telnet");
+
+    const qint64 before = pump.elapsedMs();
+    find<QAbstractButton>("cmd_connect")->click();
+    EXPECT_EQ(pump.elapsedMs(), before) << "nothing starts once the window has closed";
+}
+
+TEST_F(MainWindowTest, ClosingWhenIdleDisconnectsPausesAndStores) {
+    window();
+    const qint64 before = pump.elapsedMs();
+    window().close();
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_GE(pump.elapsedMs() - before, 1000);
+    settings.sync();
+    EXPECT_EQ(settings.value("Startup/IP_Address").toString(), "127.0.0.1");
+}
+
+} // namespace

@@ -1,20 +1,13 @@
 #pragma once
 
 // A console engine for benchmarks: the real Qt pump and transports, no window, notices dropped.
-#include "link/operator_interface.h"
 #include "link/qt_event_pump.h"
 #include "link/serial_transport.h"
 #include "link/tcp_transport.h"
+#include "quiet_operator.h"
 #include "transactions/session.h"
 
 namespace bench {
-
-class QuietOperator : public larkspur::OperatorInterface {
-public:
-    void notify(const QString&) override {}
-    QString chooseFileToOpen(const QString&) override { return {}; }
-    QString chooseFileToSave(const QString&) override { return {}; }
-};
 
 struct Console {
     larkspur::QtEventPump pump;

@@ -56,7 +56,9 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail
     Session& s = m_session;
     Cursor cursor{text, vmail ? 2 : 1};
     for (;;) {
-        if (s.stopScript) {
+        // Closing the console asks for a stop too: a wait it ended has cleared stopScript, and
+        // every later wait would return at once, so a Continuous script would never end.
+        if (s.stopScript || s.pump.stopRequested()) {
             s.stopScript = false;
             s.log.logLine(QStringLiteral("Script cancelled..."));
             return RunOutcome::Cancelled;

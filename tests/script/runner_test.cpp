@@ -183,6 +183,30 @@ TEST_F(Runner, StopInsideAWaitEndsOnlyTheWait) {
     EXPECT_FALSE(lines().contains("Time expired.  Did not receive--> sts2"));
 }
 
+TEST_F(Runner, ClosingTheConsoleInsideAWaitEndsTheScript) {
+    // Closing presses CANCEL once and asks every wait to end; the wait clears CANCEL.
+    for (const bool continuous : {false, true}) {
+        restart();
+        engine.Continuous = continuous;
+        int commands = 0;
+        const auto guard = QObject::connect(&engine, &ScriptEngine::commandStarted, [&] {
+            if (++commands > 20)
+                engine.Continuous = false; // so a script that does not stop still returns
+        });
+        pump.schedule(2000, [&] {
+            pump.requestStop();
+            session.stopScript = true;
+        });
+        EXPECT_EQ(play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n"), Outcome::Cancelled)
+            << continuous;
+        EXPECT_EQ(commands, 1) << continuous;
+        EXPECT_TRUE(tcp.written.isEmpty()) << continuous;
+        EXPECT_EQ(lines().last(), "Script cancelled...") << continuous;
+        QObject::disconnect(guard);
+        pump.clearStop();
+    }
+}
+
 TEST_F(Runner, UnknownExpectationIsPassedOverAndReadFromMidLine) {
     // "NTFY ATL " is what a notice wait for "alt" records: not replayable.
     EXPECT_EQ(play("NTFY ATL   101 5\r\n;\r\n"), Outcome::Unrecognized);

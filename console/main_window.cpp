@@ -34,6 +34,7 @@ MainWindow::MainWindow(Session& session, ScriptEngine& engine, QSettings& settin
 
     m_status = new ConsoleStatusBar(m_session.link, this);
     setStatusBar(m_status);
+    buildViews();
     buildMenus();
     setCentralWidget(buildControlPanel());
     wireCommands();

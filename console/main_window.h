@@ -3,6 +3,8 @@
 #include "console/control_binder.h"
 #include "console/field_binder.h"
 #include "console/operation_runner.h"
+#include "link/run_statistics.h"
+#include "link/wire_trace.h"
 
 #include <QMainWindow>
 
@@ -23,10 +25,12 @@ class AboutDialog;
 class CommPortDialog;
 class ConsoleStatusBar;
 class LogView;
+class RunStatisticsDialog;
 class ScriptEngine;
 class Session;
 class TelnetDialog;
 class TrafficView;
+class WireTracePanel;
 
 // The console's main window (PMS_FORM). It shows the session and starts its operations; the
 // rules of what is shown, enabled and sent are the session's and the script engine's.
@@ -69,6 +73,11 @@ private:
     QWidget* buildManualModeFrame();
     void hideEmptyGroups();
 
+    // The wire trace panel and the run statistics, and the View menu that opens them
+    // (main_window_views.cpp).
+    void buildViews();
+    void buildViewMenu();
+
     // What each control starts (main_window_commands.cpp).
     void wireCommands();
     void onClick(const char* name, const std::function<void()>& operation);
@@ -100,6 +109,11 @@ private:
     CommPortDialog* m_commPortDialog = nullptr;
     TelnetDialog* m_telnetDialog = nullptr;
     AboutDialog* m_about = nullptr;
+    // Every byte on the wire and how each exchange fared, beside the traffic log.
+    WireTrace m_trace{100'000};
+    RunStatistics m_statistics;
+    WireTracePanel* m_tracePanel = nullptr;
+    RunStatisticsDialog* m_statisticsDialog = nullptr;
     // A close came while operations were running; it is done once they have returned.
     bool m_closePending = false;
     bool m_unloading = false;

@@ -61,6 +61,8 @@ void MainWindow::buildMenus() {
     menuEntry("mnuCommport", connection, true);
     menuEntry("mnuTelnet", connection, true);
 
+    buildViewMenu();
+
     QMenu* help = menu("mnuHelp", bar);
     bar->addMenu(help);
     menuEntry("mnuAbout", help, false);

@@ -1,0 +1,137 @@
+// The two receive handlers, fed arbitrary reads over the TCP and the serial fake.
+//
+// Input: one byte of settings, then reads, each as two header bytes and its data:
+//   settings: bit 0 VMAIL (else HOTEL), bit 1 serial is the active link (else TCP),
+//             bit 2 protocol HIS (else HYATT), bit 3 the clock starts a second before midnight
+//   header 1: bit 0 the read comes over the other transport, bit 1 a carrier-detect event
+//             instead of data (serial), bits 2-3 what consumes it: 0 plain event processing,
+//             1 wait_for_ack, 2 poll_for_ack, 3 a pause
+//   header 2: the data's length
+#include "fuzz/fuzz_support.h"
+#include "link/fake_transport.h"
+#include "link/frame.h"
+#include "link/pause.h"
+#include "link/virtual_event_pump.h"
+#include "transactions/session.h"
+
+using namespace larkspur;
+using namespace larkspur::fuzz;
+
+namespace {
+
+QString trimmedBlanks(const QString& text) {
+    qsizetype begin = 0, end = text.size();
+    while (begin < end && text.at(begin) == u' ')
+        ++begin;
+    while (end > begin && text.at(end - 1) == u' ')
+        --end;
+    return text.mid(begin, end - begin);
+}
+
+struct Rig {
+    explicit Rig(bool nearMidnight)
+        : pump(QDateTime(QDate(2026, 1, 5), nearMidnight ? QTime(23, 59, 59) : QTime(10, 0))) {
+        tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);
+        serial.openPort(QStringLiteral("/dev/ttyS0"));
+        pump.processEvents();
+    }
+
+    VirtualEventPump pump;
+    CountingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
+    FakeTransport serial{pump, QStringLiteral("serial fake")};
+    Session session{pump, op, tcp, serial};
+};
+
+void checkLog(const TrafficLog& log) {
+    FUZZ_CHECK(isLogText(log.logText()), "the log holds only 32..122 and CR LF pairs");
+    qsizetype viewerChars = 0;
+    for (qsizetype i = 0; i < log.viewerList().size(); ++i)
+        viewerChars += log.viewerList().entry(i).size() + 2;
+    FUZZ_CHECK(viewerChars == log.logText().size(),
+               "each viewer entry is one logged text without its CR LF");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Input in(data, size);
+    const uint8_t settings = in.byte();
+
+    Rig rig(settings & 8);
+    Link& link = rig.session.link;
+    link.pmsMode = settings & 1 ? QStringLiteral("VMAIL") : QStringLiteral("HOTEL");
+    link.settings.useTcp = !(settings & 2);
+    link.protocolType = settings & 4 ? QStringLiteral("HIS") : QStringLiteral("HYATT");
+
+    while (!in.atEnd()) {
+        const uint8_t how = in.byte();
+        const QByteArray bytes = in.bytes(in.byte());
+        const bool overTcp = link.settings.useTcp != bool(how & 1);
+        const bool carrier = (how & 2) && !overTcp;
+        FakeTransport& from = overTcp ? rig.tcp : rig.serial;
+
+        const QString before = link.lastControl;
+        const qsizetype tcpWrites = rig.tcp.written.size();
+        const qsizetype serialWrites = rig.serial.written.size();
+        link.ackReceived = false;
+
+        if (carrier)
+            rig.pump.schedule(100, [&rig] { Q_EMIT rig.serial.carrierDetectChanged(); });
+        else
+            from.deliver(bytes, 100);
+        switch ((how >> 2) & 3) {
+        case 0:
+            rig.pump.advance(100);
+            rig.pump.processEvents();
+            break;
+        case 1:
+            link.wait_for_ack(true);
+            break;
+        case 2:
+            link.poll_for_ack(true);
+            break;
+        default:
+            pause_seconds(rig.pump, 2.0f);
+            break;
+        }
+        // A poll that an earlier ACK already answers returns before the read comes.
+        rig.pump.advance(100);
+        rig.pump.processEvents();
+        FUZZ_CHECK(!rig.pump.hasPendingDeliveries(), "every read is handled");
+        FUZZ_CHECK(link.ackReceived, "every read wakes the waits");
+        FUZZ_CHECK(!link.waitingForAck, "no wait is left running");
+
+        // Automatic answers: at most one per read, a single ACK, and never to a serial ENQ.
+        const qsizetype answers =
+            rig.tcp.written.size() - tcpWrites + rig.serial.written.size() - serialWrites;
+        FUZZ_CHECK(answers <= 1, "at most one answer per read");
+        for (const FakeTransport* t : {&rig.tcp, &rig.serial})
+            for (qsizetype i = t == &rig.tcp ? tcpWrites : serialWrites; i < t->written.size(); ++i)
+                FUZZ_CHECK(t->written.at(i) == QByteArray(1, char(ctl::ACK)),
+                           "an automatic answer is one ACK byte");
+        if (!overTcp && bytes == QByteArray(1, char(ctl::ENQ)))
+            FUZZ_CHECK(answers == 0, "a serial ENQ is only logged");
+
+        // lastControl names the message, or is the message as received.
+        const QString& now = link.lastControl;
+        if (carrier) {
+            FUZZ_CHECK(now == u"Comm Event Fired ", "carrier detect names itself");
+        } else {
+            const QString text = QString::fromLatin1(bytes);
+            const QString received = overTcp ? trimmedBlanks(text) : text;
+            const bool named = now == u"ACK" || now == u"ENQ" || now == u"NAK" ||
+                               now == (overTcp ? u"rti" : u"RTI");
+            const bool kept =
+                overTcp && now == before &&
+                (received.isEmpty() || received == QString::fromLatin1("\xFF\xFB\x01"));
+            FUZZ_CHECK(named || kept || now == received,
+                       "lastControl is a documented name or the received text");
+            if (named && now != received)
+                FUZZ_CHECK(received.size() <= 12, "only a control or RQINZ frame is named");
+        }
+    }
+    trace(rig.session.log.logText());
+    checkLog(rig.session.log);
+    return 0;
+}

@@ -1,0 +1,195 @@
+// The script reader and the interpreter: arbitrary file bytes, read and played against a fake
+// PBX in virtual time.
+//
+// Input: two bytes of settings, then the script file:
+//   byte 1: bit 0 Continuous, bits 1-2 the PBX's answer to ENQ and bits 3-4 to a frame (0 ACK,
+//           1 NAK, 2 silence, 3 ACK), bit 5 error mode, bit 6 the serial link is active
+//   byte 2: bits 0-1 what the PBX sends 1.5 s after each frame (nothing, "STS<n> " + the
+//           frame's last five characters, "MR 0001" + the same, the RQINZ frame), bit 2 the
+//           run is stopped as closing the window does (stop request and CANCEL) rather than
+//           with CANCEL alone, bit 3 the clock starts ten seconds before midnight
+//
+// A replay is bounded: after maxCommands commands or stopAfterMs of virtual time the harness
+// presses CANCEL (again after each command and every virtual second, since each
+// expected-message wait clears it). A Continuous script starts over for ever otherwise; that is
+// how it is meant to work. A wait for an ACK that starts in the last seconds of the day ends
+// only on an answer or a stop request, as it should; so when CANCEL has not ended the run
+// within stopRequestAfterMs, the harness asks for a stop as closing the window does.
+#include "fuzz/fuzz_support.h"
+#include "link/fake_pbx.h"
+#include "link/fake_transport.h"
+#include "link/frame.h"
+#include "link/virtual_event_pump.h"
+#include "script/script_engine.h"
+#include "script/script_reader.h"
+#include "transactions/session.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+using namespace larkspur;
+using namespace larkspur::fuzz;
+
+namespace {
+
+constexpr int maxCommands = 40;
+constexpr qint64 stopAfterMs = 300'000;
+constexpr int stopRequestAfterMs = 60'000;
+// Commands still started after the first CANCEL; more means the script does not stop.
+constexpr int commandsAfterStop = 200;
+
+FakePbx::Answer answerOf(int bits) {
+    static const FakePbx::Answer answers[] = {FakePbx::Answer::Ack, FakePbx::Answer::Nak,
+                                              FakePbx::Answer::Silent, FakePbx::Answer::Ack};
+    return answers[bits & 3];
+}
+
+// The script file lives in memory; the runner opens it by path as it opens any file.
+class ScriptFile {
+public:
+    ScriptFile() : m_fd(memfd_create("larkspur-script", 0)) {
+        FUZZ_CHECK(m_fd >= 0, "memfd_create");
+        m_path = QStringLiteral("/proc/self/fd/%1").arg(m_fd);
+    }
+    const QString& write(const QByteArray& bytes) {
+        FUZZ_CHECK(ftruncate(m_fd, 0) == 0, "ftruncate");
+        FUZZ_CHECK(pwrite(m_fd, bytes.constData(), size_t(bytes.size()), 0) == bytes.size(),
+                   "pwrite");
+        return m_path;
+    }
+
+private:
+    int m_fd;
+    QString m_path;
+};
+
+void checkRead(const ScriptText& script) {
+    FUZZ_CHECK(script.pmsMode == u"HOTEL" || script.pmsMode == u"VMAIL", "mode");
+    FUZZ_CHECK(script.protocolType == u"HYATT" || script.protocolType == u"HIS", "protocol");
+    FUZZ_CHECK(script.text.endsWith(QChar(ctl::ETX)), "the script text ends in ETX");
+    const QString lines = script.text.chopped(1);
+    FUZZ_CHECK(lines.isEmpty() || lines.endsWith(u"\r\n"), "every kept line ends in CR LF");
+    QStringList kept = lines.split(QStringLiteral("\r\n"));
+    kept.removeLast();
+    for (const QString& line : std::as_const(kept)) {
+        FUZZ_CHECK(!line.contains(u'\r') && !line.contains(u'\n'), "a line holds no line end");
+        FUZZ_CHECK(!line.trimmed().isEmpty() && !line.startsWith(u';') && !line.contains(u"VMAIL"),
+                   "blank lines, comments and VMAIL lines are left out");
+    }
+}
+
+bool isWrite(const QByteArray& w, bool vmail) {
+    if (w.size() == 1)
+        return w.at(0) == ctl::ENQ || w.at(0) == ctl::ACK || w.at(0) == ctl::NAK;
+    if (!w.startsWith(char(ctl::STX)))
+        return false;
+    return vmail ? w.size() >= 3 && w.at(w.size() - 2) == ctl::ETX : w.endsWith(char(ctl::ETX));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static ScriptFile file;
+    Input in(data, size);
+    const uint8_t play = in.byte();
+    const uint8_t pbxSends = in.byte();
+    const QByteArray bytes = in.rest();
+
+    const ScriptText script = readScript(bytes);
+    checkRead(script);
+
+    VirtualEventPump pump{
+        QDateTime(QDate(2026, 1, 5), pbxSends & 8 ? QTime(23, 59, 50) : QTime(10, 0))};
+    CountingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
+    FakeTransport serial{pump, QStringLiteral("serial fake")};
+    Session session{pump, op, tcp, serial};
+    ScriptEngine engine{session};
+    tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);
+    serial.openPort(QStringLiteral("/dev/ttyS0"));
+    pump.processEvents();
+
+    session.link.settings.useTcp = !(play & 64);
+    FakeTransport& active = session.link.settings.useTcp ? tcp : serial;
+    FakePbx pbx{active};
+    pbx.onEnq = answerOf(play >> 1);
+    pbx.onFrame = answerOf(play >> 3);
+    session.errorMode = play & 32;
+    engine.Continuous = play & 1;
+
+    const auto answerFrame = active.onWrite;
+    active.onWrite = [&, answerFrame](const QByteArray& w) {
+        answerFrame(w);
+        if (!w.startsWith(char(ctl::STX)) || (pbxSends & 3) == 0)
+            return;
+        const QByteArray room = w.chopped(1).right(5);
+        static const QByteArray heads[] = {"", "STS", "MR 0001", "RQINZ     "};
+        QByteArray message = heads[pbxSends & 3];
+        if ((pbxSends & 3) == 1)
+            message += QByteArray::number(w.size() % 10) + ' ' + room;
+        else if ((pbxSends & 3) == 2)
+            message += room;
+        active.deliver('\x02' + message + '\x03', 1500);
+    };
+
+    // CANCEL after a number of commands or of virtual seconds, and again each second.
+    int commands = 0;
+    bool stopped = false;
+    const bool closing = pbxSends & 4;
+    const auto stop = [&] {
+        stopped = true;
+        session.stopScript = true;
+        if (closing)
+            pump.requestStop();
+    };
+    QObject::connect(&engine, &ScriptEngine::commandStarted, [&] {
+        FUZZ_CHECK(++commands <= maxCommands + commandsAfterStop, "a stopped script ends");
+        if (commands >= maxCommands)
+            stop();
+    });
+    // CANCEL acts again after each command, as the headless player does on a signal; closing
+    // the window asks once.
+    QObject::connect(&engine, &ScriptEngine::commandFinished, [&] {
+        if (stopped && !closing)
+            stop();
+    });
+    int stopperRounds = 0;
+    std::function<void()> stopper = [&] {
+        stop();
+        if (++stopperRounds * 1000 > stopRequestAfterMs)
+            pump.requestStop();
+        pump.schedule(1000, stopper);
+    };
+    pump.schedule(stopAfterMs, stopper);
+
+    const ScriptEngine::RunOutcome outcome = engine.runScriptFile(file.write(bytes));
+
+    trace(session.log.logText() + QStringLiteral("outcome %1 after %2 commands, %3 ms")
+                                      .arg(int(outcome))
+                                      .arg(commands)
+                                      .arg(pump.elapsedMs()));
+    FUZZ_CHECK(!engine.running() && !session.link.waitingForAck, "nothing is left running");
+    FUZZ_CHECK(isLogText(session.log.logText()), "the log holds only 32..122 and CR LF pairs");
+    for (const FakeTransport* t : {&tcp, &serial})
+        for (const QByteArray& w : t->written)
+            FUZZ_CHECK(isWrite(w, script.pmsMode == u"VMAIL"),
+                       "only control bytes and whole frames reach the PBX");
+    switch (outcome) {
+    case ScriptEngine::RunOutcome::Completed:
+        FUZZ_CHECK(!engine.Continuous, "a Continuous script never completes");
+        FUZZ_CHECK(op.lastNotice.startsWith(session.link.errorCount < 1
+                                                ? QStringLiteral("Script file completed")
+                                                : QStringLiteral("Script file ended!")),
+                   "completion is told");
+        break;
+    case ScriptEngine::RunOutcome::Cancelled:
+        FUZZ_CHECK(stopped, "only CANCEL cancels");
+        break;
+    case ScriptEngine::RunOutcome::Unrecognized:
+        FUZZ_CHECK(op.lastNotice.startsWith(u"Command: "), "the unknown command is told");
+        break;
+    default:
+        FUZZ_CHECK(false, "the file is read and nothing else runs");
+    }
+    return 0;
+}

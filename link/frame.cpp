@@ -32,6 +32,15 @@ QString pad_field(QString& text, qint16 width) {
     return text;
 }
 
+QString trimBlanks(const QString& text) {
+    qsizetype begin = 0, end = text.size();
+    while (begin < end && text.at(begin) == QLatin1Char(' '))
+        ++begin;
+    while (end > begin && text.at(end - 1) == QLatin1Char(' '))
+        --end;
+    return text.mid(begin, end - begin);
+}
+
 QString plain_frame(const QString& text) {
     return start_of_text() + text + end_of_text();
 }

@@ -28,6 +28,9 @@ QString CRC(const QString& text);
 // Appends blanks until `text` is `width` long; never shortens. Returns the result as well.
 QString pad_field(QString& text, qint16 width);
 
+// Leading and trailing blanks taken off; other white space is part of the text.
+QString trimBlanks(const QString& text);
+
 // STX + text + ETX: the plain frame, sent as it stands.
 QString plain_frame(const QString& text);
 

@@ -28,15 +28,6 @@ bool needsAck(const QString& text) {
     return false;
 }
 
-// Blanks only, as the PBX pads with blanks; other white space is part of the message.
-QString trimBlanks(const QString& text) {
-    qsizetype begin = 0, end = text.size();
-    while (begin < end && text.at(begin) == QLatin1Char(' '))
-        ++begin;
-    while (end > begin && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(begin, end - begin);
-}
 } // namespace
 
 void Link::onSerialCarrierDetect() {

@@ -13,15 +13,6 @@ MessageText headerTextAndRoom(const QString& header) {
     return [header](const RoomMessage& m) { return header + m.extras.at(0) + m.room; };
 }
 
-QString trimBlanks(const QString& text) {
-    qsizetype begin = 0, end = text.size();
-    while (begin < end && text.at(begin) == QLatin1Char(' '))
-        ++begin;
-    while (end > begin && text.at(end - 1) == QLatin1Char(' '))
-        --end;
-    return text.mid(begin, end - begin);
-}
-
 QString roomForm(const QString& trimmed) {
     return verify_string(trimmed, 5, QStringLiteral("R"));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/frame.h"
 #include "link/link.h"
 #include "transactions/fields.h"
 
@@ -45,9 +46,6 @@ struct HotelTransaction {
 // Bodies of the common shapes: header + room, and header + first extra + room.
 MessageText headerAndRoom(const QString& header);
 MessageText headerTextAndRoom(const QString& header);
-
-// The operator's text without surrounding blanks (other white space is kept).
-QString trimBlanks(const QString& text);
 
 // A room number in its sent form: five characters, right-justified; NotValid otherwise.
 QString roomForm(const QString& trimmed);

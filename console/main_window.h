@@ -77,6 +77,7 @@ private:
     // (main_window_views.cpp).
     void buildViews();
     void buildViewMenu();
+    void makeRoomForTrace();
 
     // What each control starts (main_window_commands.cpp).
     void wireCommands();

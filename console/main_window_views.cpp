@@ -10,6 +10,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 
 namespace larkspur {
 
@@ -41,6 +42,12 @@ void MainWindow::buildViewMenu() {
     view->setObjectName(QStringLiteral("mnuView"));
     QAction* trace = m_tracePanel->toggleViewAction();
     trace->setObjectName(QStringLiteral("mnuWireTrace"));
+    trace->setText(tr("&Wire Trace"));
+    // Only when the operator opens it: the tick also follows the panel when the window shows.
+    connect(trace, &QAction::triggered, this, [this](bool shown) {
+        if (shown)
+            makeRoomForTrace();
+    });
     view->addAction(trace);
     QAction* statistics = view->addAction(tr("Run &Statistics..."), this, [this] {
         m_statisticsDialog->show();
@@ -48,6 +55,21 @@ void MainWindow::buildViewMenu() {
         m_statisticsDialog->activateWindow();
     });
     statistics->setObjectName(QStringLiteral("mnuRunStatistics"));
+}
+
+void MainWindow::makeRoomForTrace() {
+    // The controls leave the docked panel only a few rows: the window grows, as far as the
+    // screen allows, so that the panel opens with enough rows to read.
+    constexpr int wantedHeight = 320;
+    if (m_tracePanel->isFloating() || isMaximized() || isFullScreen())
+        return;
+    const QWidget* controls = centralWidget();
+    const int spare = controls->height() - controls->minimumSizeHint().height();
+    const int room = screen()->availableGeometry().bottom() - frameGeometry().bottom();
+    const int grow = qBound(0, wantedHeight - spare, qMax(0, room));
+    if (grow > 0)
+        resize(width(), height() + grow);
+    resizeDocks({m_tracePanel}, {wantedHeight}, Qt::Vertical);
 }
 
 } // namespace larkspur

@@ -3,6 +3,8 @@
 #include "link/readable_notation.h"
 #include "link/wire_trace.h"
 
+#include <QColor>
+
 namespace larkspur {
 
 namespace {
@@ -56,16 +58,25 @@ int WireTraceModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant WireTraceModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
-        return QVariant();
     // A row the ring dropped while the view was paused has nothing left to show.
     const qsizetype at = m_firstShown + index.row() - m_trace.dropped();
-    if (at < 0 || at >= m_trace.size())
+    if (!index.isValid() || at < 0 || at >= m_trace.size())
         return QVariant();
-    // Long frames are cut off in their columns; the tip shows them whole.
-    if (role == Qt::ToolTipRole && index.column() != Readable && index.column() != Hex)
-        return QVariant();
-    return cell(m_trace.row(at), index.column());
+    const WireRow& row = m_trace.row(at);
+    const int column = index.column();
+    switch (role) {
+    case Qt::DisplayRole:
+        return cell(row, column);
+    case Qt::ToolTipRole:
+        // Long frames are cut off in their columns; the tip shows them whole.
+        return column == Readable || column == Hex ? QVariant(cell(row, column)) : QVariant();
+    case Qt::ForegroundRole:
+        // Mid tones, readable on light and dark palettes alike.
+        if (column == Direction && row.kind != WireRow::Kind::Note)
+            return QColor(row.kind == WireRow::Kind::Sent ? 0x2a62c9 : 0x2e8b3a);
+        break;
+    }
+    return QVariant();
 }
 
 QVariant WireTraceModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -109,8 +120,6 @@ void WireTraceModel::sync() {
         m_firstShown = dropped;
         m_shown = size;
         endResetModel();
-        if (size > 0)
-            Q_EMIT rowsAnnounced();
         return;
     }
     if (dropped > m_firstShown) {
@@ -123,7 +132,6 @@ void WireTraceModel::sync() {
         beginInsertRows(QModelIndex(), int(m_shown), int(size - 1));
         m_shown = size;
         endInsertRows();
-        Q_EMIT rowsAnnounced();
     }
 }
 

@@ -31,10 +31,6 @@ public:
     // Empties the trace and the table.
     void clear();
 
-Q_SIGNALS:
-    // New rows were announced; a following view scrolls to them.
-    void rowsAnnounced();
-
 private:
     void schedule();
 

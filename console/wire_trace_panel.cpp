@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -47,12 +48,21 @@ WireTracePanel::WireTracePanel(WireTrace& trace, OperatorInterface& op, QWidget*
     m_view->horizontalHeader()->setStretchLastSection(true);
     m_view->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setColumnWidths();
-    connect(&m_model, &WireTraceModel::rowsAnnounced, m_view, &QTableView::scrollToBottom);
+    // Following: the newest row stays in view as rows come and as the panel is resized.
+    QScrollBar* scroll = m_view->verticalScrollBar();
+    connect(scroll, &QScrollBar::rangeChanged, this, [this, scroll](int, int maximum) {
+        if (!m_model.isPaused())
+            scroll->setValue(maximum);
+    });
 
     auto* buttons = new QHBoxLayout;
     QPushButton* pause = addButton(buttons, tr("Pause"), "wireTracePause");
     pause->setCheckable(true);
-    connect(pause, &QPushButton::toggled, &m_model, &WireTraceModel::setPaused);
+    connect(pause, &QPushButton::toggled, this, [this](bool paused) {
+        m_model.setPaused(paused);
+        if (!paused)
+            m_view->scrollToBottom();
+    });
     connect(addButton(buttons, tr("Clear"), "wireTraceClear"), &QPushButton::clicked, &m_model,
             &WireTraceModel::clear);
     connect(addButton(buttons, tr("Save as Text..."), "wireTraceSave"), &QPushButton::clicked, this,
@@ -76,7 +86,7 @@ void WireTracePanel::setColumnWidths() {
     } widths[] = {
         {WireTraceModel::Time, 14},
         {WireTraceModel::Direction, 5},
-        {WireTraceModel::Readable, 34},
+        {WireTraceModel::Readable, 44},
         {WireTraceModel::Hex, 40},
     };
     for (const auto& w : widths)

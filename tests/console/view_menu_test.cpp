@@ -9,6 +9,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QScrollBar>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTest>
 
@@ -29,6 +31,11 @@ protected:
         checkIn();
     }
     void checkIn() { find<QAbstractButton>("cmd_chk_in")->click(); }
+    // Announces the rows and lets the view lay them out.
+    void showNow() {
+        model().sync();
+        QCoreApplication::processEvents();
+    }
 
     // Direction, readable notation and note of each row the table shows.
     QStringList rowsShown() {
@@ -78,7 +85,7 @@ TEST_F(ViewMenuTest, SitsBetweenOptionsAndHelpAndOpensThePanelAndTheDialog) {
     EXPECT_EQ(menus, QStringList({"mnuFile", "mnuOptions", "mnuView", "mnuHelp"}));
 
     auto* trace = find<QAction>("mnuWireTrace");
-    EXPECT_EQ(trace->text(), "Wire Trace");
+    EXPECT_EQ(trace->text(), "&Wire Trace");
     EXPECT_TRUE(trace->isCheckable());
     EXPECT_FALSE(panel()->isVisible());
     trace->trigger();
@@ -175,6 +182,28 @@ TEST_F(ViewMenuTest, PauseFreezesTheViewWhileTheTraceRecords) {
     checkIn();
     model().sync();
     EXPECT_EQ(rowsShown().first(), "TX|<ENQ>|") << "recording goes on after a clear";
+}
+
+TEST_F(ViewMenuTest, FollowsTheNewestRowUntilPaused) {
+    find<QAction>("mnuWireTrace")->trigger();
+    connectAndCheckIn();
+    for (int i = 0; i < 20; ++i)
+        checkIn();
+    showNow();
+    QScrollBar* bar = find<QTableView>("wireTraceView")->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum());
+
+    find<QAbstractButton>("wireTracePause")->click();
+    bar->setValue(0);
+    checkIn();
+    showNow();
+    EXPECT_EQ(bar->value(), 0) << "paused, the operator reads where they scrolled";
+    const int before = bar->maximum();
+    find<QAbstractButton>("wireTracePause")->click();
+    QCoreApplication::processEvents();
+    EXPECT_GT(bar->maximum(), before);
+    EXPECT_EQ(bar->value(), bar->maximum());
 }
 
 TEST_F(ViewMenuTest, StatisticsCountEachExchangeLiveUntilReset) {

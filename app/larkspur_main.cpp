@@ -14,6 +14,7 @@
 using namespace larkspur;
 
 int main(int argc, char** argv) {
+    larkspur::useLeanEventDispatcher();
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Larkspur"));
     QApplication::setApplicationName(QStringLiteral("Larkspur"));

@@ -1,4 +1,5 @@
 // larkspur-run: plays a script against the PBX without a window, for CI and lab racks.
+#include "link/qt_event_pump.h"
 #include "script/headless_player.h"
 #include "script/player_options.h"
 
@@ -7,6 +8,7 @@
 #include <cstdio>
 
 int main(int argc, char** argv) {
+    larkspur::useLeanEventDispatcher();
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Larkspur"));
     QCoreApplication::setApplicationName(QStringLiteral("Larkspur"));

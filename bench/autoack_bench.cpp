@@ -2,8 +2,10 @@
 // and over a pty, beside a minimal blocking responder that marks the physical limit.
 #include "bench_common.h"
 #include "bench_console.h"
+#include "link/qt_event_pump.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 #include <arpa/inet.h>
 #include <atomic>
@@ -214,6 +216,7 @@ Summary measure(std::vector<double> (*f)()) {
 } // namespace
 
 int main(int argc, char** argv) {
+    larkspur::useLeanEventDispatcher();
     QCoreApplication app(argc, argv);
     struct Link {
         const char* name;

@@ -27,6 +27,7 @@ double realtime() {
 }
 
 int child(int argc, char** argv) {
+    larkspur::useLeanEventDispatcher();
     QApplication app(argc, argv);
     QTemporaryDir dir;
     QSettings settings(dir.filePath(QStringLiteral("s.ini")), QSettings::IniFormat);

@@ -1,6 +1,7 @@
 // CPU time the console spends while it waits, and how long each specified wait really lasts.
 #include "bench_common.h"
 #include "bench_console.h"
+#include "link/qt_event_pump.h"
 
 #include "link/pause.h"
 #include "script/expectation_waits.h"
@@ -21,6 +22,7 @@ struct Wait {
 } // namespace
 
 int main(int argc, char** argv) {
+    larkspur::useLeanEventDispatcher();
     QCoreApplication app(argc, argv);
     using larkspur::Session;
     const Wait waits[] = {

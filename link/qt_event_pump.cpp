@@ -15,6 +15,11 @@ QAbstractEventDispatcher* dispatcher() {
 }
 } // namespace
 
+void useLeanEventDispatcher() {
+    if (!qEnvironmentVariableIsSet("QT_NO_GLIB"))
+        qputenv("QT_NO_GLIB", "1");
+}
+
 QtEventPump::QtEventPump() {
     m_startDateTime = QDateTime::currentDateTime();
     m_elapsed.start();

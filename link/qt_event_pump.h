@@ -6,6 +6,10 @@
 
 namespace larkspur {
 
+// Chooses Qt's own event dispatcher over the GLib one: it wakes for a socket with less work, which
+// shows in how fast the PBX gets its answers. Call before the application object is made.
+void useLeanEventDispatcher();
+
 // The production pump: waits block in Qt's event loop and cost no CPU.
 class QtEventPump : public EventPump {
 public:

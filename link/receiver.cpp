@@ -74,6 +74,13 @@ void Link::logVmailStatus(const QString& text, Receiver receiver) {
 }
 
 void Link::receive(QString text, Receiver receiver) {
+    // The answer leaves before anything is logged, so the PBX never waits on the log; the log
+    // still shows it after the received line.
+    const bool answered = (receiver == Receiver::Tcp && text == one(ctl::ENQ)) || needsAck(text);
+    if (answered)
+        send_text(one(ctl::ACK));
+    const auto logAnswer = [this] { m_log.logLine(QStringLiteral("Sending -->    ACK")); };
+
     if (pmsMode != u"HOTEL")
         logVmailStatus(text, receiver);
 
@@ -86,8 +93,8 @@ void Link::receive(QString text, Receiver receiver) {
         m_log.logLine(received + QStringLiteral("ENQ"));
         lastControl = QStringLiteral("ENQ");
         // Over TCP the PBX's line bid is granted at once; over serial it is only logged.
-        if (receiver == Receiver::Tcp)
-            cmd_ack();
+        if (answered)
+            logAnswer();
     } else if (text == one(ctl::NAK)) {
         m_log.logLine(received + QStringLiteral("NAK"));
         lastControl = QStringLiteral("NAK");
@@ -99,8 +106,8 @@ void Link::receive(QString text, Receiver receiver) {
     } else {
         m_log.logLine(received + text);
         lastControl = text;
-        if (needsAck(text))
-            cmd_ack();
+        if (answered)
+            logAnswer();
     }
 }
 

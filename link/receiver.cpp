@@ -10,20 +10,24 @@ namespace larkspur {
 namespace {
 const QString received = QStringLiteral("Received--> ");
 
-QString one(char16_t c) {
-    return QString(QChar(c));
+// Compared as views: the receiver runs before the PBX gets its answer, so it allocates nothing.
+bool isOne(const QString& text, char16_t c) {
+    return text.size() == 1 && text.at(0).unicode() == c;
 }
 
-QString rqinz() {
-    return plain_frame(QStringLiteral("RQINZ     "));
+const QString& rqinz() {
+    static const QString frame = plain_frame(QStringLiteral("RQINZ     "));
+    return frame;
 }
 
 // The PBX's own data messages that it expects acknowledged.
 bool needsAck(const QString& text) {
-    static const QString heads[] = {QStringLiteral("MR 0001"), QStringLiteral("ALT1"),
-                                    QStringLiteral("STS"), QStringLiteral("MW")};
+    static const QString heads[] = {QStringLiteral("\x02MR 0001"),
+                                    QStringLiteral("\x02"
+                                                   "ALT1"),
+                                    QStringLiteral("\x02STS"), QStringLiteral("\x02MW")};
     for (const QString& head : heads)
-        if (text.startsWith(start_of_text() + head))
+        if (text.startsWith(head))
             return true;
     return false;
 }
@@ -76,26 +80,26 @@ void Link::logVmailStatus(const QString& text, Receiver receiver) {
 void Link::receive(QString text, Receiver receiver) {
     // The answer leaves before anything is logged, so the PBX never waits on the log; the log
     // still shows it after the received line.
-    const bool answered = (receiver == Receiver::Tcp && text == one(ctl::ENQ)) || needsAck(text);
+    const bool answered = (receiver == Receiver::Tcp && isOne(text, ctl::ENQ)) || needsAck(text);
     if (answered)
-        send_text(one(ctl::ACK));
+        send_text(QString(QChar(ctl::ACK)));
     const auto logAnswer = [this] { m_log.logLine(QStringLiteral("Sending -->    ACK")); };
 
     if (pmsMode != u"HOTEL")
         logVmailStatus(text, receiver);
 
-    if (text == one(ctl::ACK)) {
+    if (isOne(text, ctl::ACK)) {
         m_log.logLine(pmsMode == u"HOTEL" ? received + QStringLiteral("ACK")
                                           : QStringLiteral("PBX ACKed"));
         lastControl = QStringLiteral("ACK");
         vmailAcked = true;
-    } else if (text == one(ctl::ENQ)) {
+    } else if (isOne(text, ctl::ENQ)) {
         m_log.logLine(received + QStringLiteral("ENQ"));
         lastControl = QStringLiteral("ENQ");
         // Over TCP the PBX's line bid is granted at once; over serial it is only logged.
         if (answered)
             logAnswer();
-    } else if (text == one(ctl::NAK)) {
+    } else if (isOne(text, ctl::NAK)) {
         m_log.logLine(received + QStringLiteral("NAK"));
         lastControl = QStringLiteral("NAK");
     } else if (text == rqinz()) {

@@ -126,3 +126,30 @@ TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ExpectationWait, RecoveryRunsItsFixedDialogue) {
+    // Its waits for "ack" never succeed, so the operator steps through them with CANCEL.
+    session.recording = false;
+    pbx.nextEnqAnswers = {FakePbx::Answer::Silent};
+    std::function<void()> cancelEachSecond = [&] {
+        engine.cmd_cancel();
+        pump.schedule(1000, cancelEachSecond);
+    };
+    pump.schedule(7000, cancelEachSecond);
+    tcp.deliver(frame("RQINZ     "), 30'000);
+    engine.cmd_recovery();
+
+    const QByteArray ayt = frame("AREYUTHERE");
+    QList<QByteArray> expected = {ENQ, ENQ}; // the first bid is not answered, the second is
+    for (int round = 0; round < 4; ++round)
+        expected << ENQ << ayt;
+    expected << ACK << ACK;
+    EXPECT_EQ(tcp.written, expected);
+    EXPECT_EQ(lines().count("waiting for --> ack"), 8);
+    EXPECT_TRUE(lines().contains("waiting for --> enq"));
+    EXPECT_TRUE(lines().contains("waiting for --> rti"));
+}
+
+} // namespace

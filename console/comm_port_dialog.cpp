@@ -1,5 +1,7 @@
 #include "console/comm_port_dialog.h"
 
+#include "console/dialog_buttons.h"
+
 #include "transactions/session.h"
 
 #include <QComboBox>
@@ -40,15 +42,7 @@ CommPortDialog::CommPortDialog(Session& session, QWidget* parent)
     m_handShake = addList("cmb_handshake", QStringLiteral("Handshake:"),
                           {"comNone", "comXOnXoff", "comRTS", "comRTSXOnXOff"});
 
-    auto* buttons = new QDialogButtonBox(this);
-    QPushButton* ok = buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    QPushButton* cancel =
-        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    connect(ok, &QPushButton::clicked, this, &CommPortDialog::ok);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    QDialogButtonBox* buttons = okCancelButtons(this, [this] { ok(); });
     m_form->addRow(buttons);
 }
 

@@ -1,5 +1,6 @@
 #include "console/telnet_dialog.h"
 
+#include "console/dialog_buttons.h"
 #include "console/ip_control.h"
 #include "link/operator_interface.h"
 #include "transactions/session.h"
@@ -24,15 +25,7 @@ TelnetDialog::TelnetDialog(Session& session, QWidget* parent)
     m_port->setObjectName(QStringLiteral("Port"));
     m_port->setMaximumWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
 
-    auto* buttons = new QDialogButtonBox(this);
-    QPushButton* ok = buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    QPushButton* cancel =
-        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    connect(ok, &QPushButton::clicked, this, &TelnetDialog::ok);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    QDialogButtonBox* buttons = okCancelButtons(this, [this] { ok(); });
 
     auto* form = new QFormLayout(this);
     form->addRow(QStringLiteral("PBX Ip Address:"), m_address);

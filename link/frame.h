@@ -3,6 +3,7 @@
 #include <QChar>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 namespace larkspur {
 
@@ -30,6 +31,10 @@ QString pad_field(QString& text, qint16 width);
 
 // Leading and trailing blanks taken off; other white space is part of the text.
 QString trimBlanks(const QString& text);
+
+// The lines of a text file: each ends at CR LF, CR or LF (the end is dropped); a last line
+// without an end counts, an empty text has none.
+QStringList splitLines(const QString& text);
 
 // STX + text + ETX: the plain frame, sent as it stands.
 QString plain_frame(const QString& text);

@@ -1,5 +1,6 @@
 #include "link/log_files.h"
 
+#include "link/frame.h"
 #include "link/log_view_list.h"
 
 #include <QFile>
@@ -22,15 +23,12 @@ bool appendLogFile(const QString& path, LogViewList& list) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    while (!file.atEnd()) {
-        QByteArray line = file.readLine();
-        if (line.endsWith('\n'))
-            line.chop(1);
-        if (line.endsWith('\r'))
-            line.chop(1);
-        list.append(QString::fromLatin1(line));
-    }
-    return file.error() == QFileDevice::NoError;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return false;
+    for (const QString& line : splitLines(QString::fromLatin1(bytes)))
+        list.append(line);
+    return true;
 }
 
 } // namespace larkspur

@@ -5,7 +5,10 @@
 namespace larkspur {
 
 bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
-    const QStringList parts = text.split(QLatin1Char(','));
+    QStringList parts = text.split(QLatin1Char(','));
+    // Stop bits "1.5" are offered with the locale's decimal separator, which may be a comma.
+    if (parts.size() == 5 && parts[3].trimmed() == u"1" && parts[4].trimmed() == u"5")
+        parts = {parts[0], parts[1], parts[2], QStringLiteral("1.5")};
     if (parts.size() != 4) {
         error = QStringLiteral("line settings \"%1\" are not speed,parity,data bits,stop bits")
                     .arg(text);

@@ -12,7 +12,8 @@ struct SerialLine {
     QSerialPort::StopBits stopBits = QSerialPort::OneStop;
 };
 
-// Reads "speed,parity,data,stop" (9600,N,8,1; parity E/M/N/O/S; data 4-8; stop 1, 1.5 or 2).
+// Reads "speed,parity,data,stop" (9600,N,8,1; parity E/M/N/O/S; data 4-8; stop 1, 1.5 or 2,
+// where 1.5 may also be written with a decimal comma).
 // On a bad text returns false and says which part is wrong in `error`.
 bool parseSerialLine(const QString& text, SerialLine& line, QString& error);
 

@@ -7,23 +7,6 @@
 namespace larkspur {
 
 namespace {
-QStringList splitLines(const QString& file) {
-    QStringList lines;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < file.size(); ++i) {
-        const QChar c = file.at(i);
-        if (c != QLatin1Char('\r') && c != QLatin1Char('\n'))
-            continue;
-        lines.append(file.mid(start, i - start));
-        if (c == QLatin1Char('\r') && i + 1 < file.size() && file.at(i + 1) == QLatin1Char('\n'))
-            ++i;
-        start = i + 1;
-    }
-    if (start < file.size())
-        lines.append(file.mid(start));
-    return lines;
-}
-
 bool kept(const QString& line) {
     return !line.startsWith(QLatin1Char(';')) && !line.trimmed().isEmpty() &&
            !line.contains(u"VMAIL");

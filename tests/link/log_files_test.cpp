@@ -37,6 +37,18 @@ TEST(LogFiles, SaveWritesEachEntryWithCrLfAndOpenAppends) {
                                           "Sending -->    ENQ", "", "Received--> ACK"}));
 }
 
+TEST(LogFiles, OpenEndsLinesAtCrLfCrOrLf) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("mixed.log");
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("a\r\nb\rc\nd");
+    f.close();
+    LogViewList read;
+    ASSERT_TRUE(appendLogFile(path, read));
+    EXPECT_EQ(entries(read), QStringList({"a", "b", "c", "d"}));
+}
+
 TEST(LogFiles, EmptyListGivesEmptyFileAndFailuresChangeNothing) {
     QTemporaryDir dir;
     LogViewList empty;

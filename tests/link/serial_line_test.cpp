@@ -19,6 +19,7 @@ TEST(SerialLine, ParsesEverySettingTheDialogsOffer) {
         {"300,m,5,1.5", 300, QSerialPort::MarkParity, 5, QSerialPort::OneAndHalfStop},
         {"19200,O,6,1", 19200, QSerialPort::OddParity, 6, QSerialPort::OneStop},
         {"110,S,4,1", 110, QSerialPort::SpaceParity, 4, QSerialPort::OneStop},
+        {"1200,N,8,1,5", 1200, QSerialPort::NoParity, 8, QSerialPort::OneAndHalfStop},
     };
     for (auto& c : cases) {
         SerialLine line;
@@ -37,9 +38,9 @@ TEST(SerialLine, NamesTheBadPart) {
         QString text;
         QString mentions;
     } cases[] = {
-        {"9600,N,8", "speed,parity"}, {"fast,N,8,1", "speed"},     {"9600,X,8,1", "parity"},
-        {"9600,N,9,1", "data bits"},  {"9600,N,3,1", "data bits"}, {"9600,N,8,3", "stop bits"},
-        {"", "speed,parity"},
+        {"9600,N,8", "speed,parity"}, {"fast,N,8,1", "speed"},          {"9600,X,8,1", "parity"},
+        {"9600,N,9,1", "data bits"},  {"9600,N,3,1", "data bits"},      {"9600,N,8,3", "stop bits"},
+        {"", "speed,parity"},         {"9600,N,8,2,5", "speed,parity"},
     };
     for (auto& c : cases) {
         SerialLine line;

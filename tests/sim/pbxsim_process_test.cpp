@@ -33,6 +33,8 @@ TEST(PbxSimProcess, PlaysThePbxOverTcpAndFromStandardInput) {
     sim.writeLine("RQINZ     ");
     ASSERT_TRUE(waitUntil([&] { return received.size() >= 10 + 1 + 12; }));
     EXPECT_EQ(received.mid(10), "\x05\x02RQINZ     \x03");
+    // Standard error is a pipe of its own: the complaint may come after the bytes.
+    EXPECT_TRUE(waitUntil([&] { return !sim.standardError().isEmpty(); }));
     EXPECT_TRUE(sim.standardError().startsWith("larkspur-pbxsim: "))
         << sim.diagnostics().toStdString();
 

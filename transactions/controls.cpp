@@ -130,41 +130,30 @@ const ControlState& Controls::state(const QString& name) const {
     return it == m_states.constEnd() ? none : *it;
 }
 
-ControlState& Controls::edit(const QString& name) {
-    Q_ASSERT_X(m_states.contains(name), "Controls::edit", qPrintable(name));
-    return m_states[name];
+template <typename T>
+void Controls::update(const QString& name, T ControlState::*property, T value) {
+    Q_ASSERT_X(m_states.contains(name), "Controls::update", qPrintable(name));
+    T& current = m_states[name].*property;
+    if (current != value) {
+        current = std::move(value);
+        Q_EMIT changed(name);
+    }
 }
 
 void Controls::setCaption(const QString& name, const QString& caption) {
-    ControlState& s = edit(name);
-    if (s.caption != caption) {
-        s.caption = caption;
-        Q_EMIT changed(name);
-    }
+    update(name, &ControlState::caption, caption);
 }
 
 void Controls::setEnabled(const QString& name, bool enabled) {
-    ControlState& s = edit(name);
-    if (s.enabled != enabled) {
-        s.enabled = enabled;
-        Q_EMIT changed(name);
-    }
+    update(name, &ControlState::enabled, enabled);
 }
 
 void Controls::setVisible(const QString& name, bool visible) {
-    ControlState& s = edit(name);
-    if (s.visible != visible) {
-        s.visible = visible;
-        Q_EMIT changed(name);
-    }
+    update(name, &ControlState::visible, visible);
 }
 
 void Controls::setChecked(const QString& name, bool checked) {
-    ControlState& s = edit(name);
-    if (s.checked != checked) {
-        s.checked = checked;
-        Q_EMIT changed(name);
-    }
+    update(name, &ControlState::checked, checked);
 }
 
 void Controls::setEnabled(const QStringList& names, bool enabled) {

@@ -37,7 +37,8 @@ Q_SIGNALS:
     void changed(const QString& name);
 
 private:
-    ControlState& edit(const QString& name);
+    // Sets one property of a control and announces it when it changed.
+    template <typename T> void update(const QString& name, T ControlState::*property, T value);
 
     QHash<QString, ControlState> m_states;
     QStringList m_order;

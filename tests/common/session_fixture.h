@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/fake_session.h"
 #include "common/link_fixture.h"
 #include "link/frame.h"
 #include "transactions/session.h"
@@ -13,13 +14,8 @@ using Action = void (Session::*)();
 
 // A session in virtual time with a fake PBX behind its TCP link, open, in HOTEL mode and
 // recording.
-class SessionFixture : public ::testing::Test {
+class SessionFixture : public ::testing::Test, protected FakeSession {
 protected:
-    VirtualEventPump pump;
-    RecordingOperator op;
-    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
-    FakeTransport serial{pump, QStringLiteral("serial fake")};
-    Session session{pump, op, tcp, serial};
     FakePbx pbx{tcp};
 
     void SetUp() override {

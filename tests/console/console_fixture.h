@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/fake_session.h"
 #include "common/recording_operator.h"
 #include "console/main_window.h"
 #include "link/fake_transport.h"
@@ -17,15 +18,10 @@ namespace larkspur::test {
 
 // The window over a session in virtual time, with fake transports and settings in a file of
 // its own. The window opens on the first call of window(), so a test can store settings first.
-class ConsoleFixture : public ::testing::Test {
+class ConsoleFixture : public ::testing::Test, protected FakeSession {
 protected:
     QTemporaryDir dir;
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
-    VirtualEventPump pump;
-    RecordingOperator op;
-    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
-    FakeTransport serial{pump, QStringLiteral("serial fake")};
-    Session session{pump, op, tcp, serial};
     ScriptEngine engine{session};
 
     MainWindow& window() {

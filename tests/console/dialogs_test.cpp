@@ -1,3 +1,4 @@
+#include "common/fake_session.h"
 #include "common/recording_operator.h"
 #include "console/comm_port_dialog.h"
 #include "console/ip_control.h"
@@ -16,13 +17,8 @@ using namespace larkspur::test;
 
 namespace {
 
-class ConnectionDialogs : public ::testing::Test {
+class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
-    VirtualEventPump pump;
-    RecordingOperator op;
-    FakeTransport tcp{pump, QStringLiteral("tcp")};
-    FakeTransport serial{pump, QStringLiteral("serial")};
-    Session session{pump, op, tcp, serial};
     LinkSettings& settings = session.link.settings;
 
     bool ticked(const char* menu) { return session.controls.state(menu).checked; }

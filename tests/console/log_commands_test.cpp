@@ -1,3 +1,4 @@
+#include "common/fake_session.h"
 #include "common/recording_operator.h"
 #include "console/line_view.h"
 #include "console/log_commands.h"
@@ -15,15 +16,10 @@ using namespace larkspur::test;
 
 namespace {
 
-class LogCommands : public ::testing::Test {
+class LogCommands : public ::testing::Test, protected FakeSession {
 protected:
     QTemporaryDir dir;
     QString path = dir.filePath("pms.log");
-    VirtualEventPump pump;
-    RecordingOperator op;
-    FakeTransport tcp{pump, QStringLiteral("tcp")};
-    FakeTransport serial{pump, QStringLiteral("serial")};
-    Session session{pump, op, tcp, serial};
     LogViewList& list = session.log.viewerList();
 
     QStringList entries() const {

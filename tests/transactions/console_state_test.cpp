@@ -1,3 +1,4 @@
+#include "common/fake_session.h"
 #include "common/recording_operator.h"
 #include "link/fake_transport.h"
 #include "link/virtual_event_pump.h"
@@ -10,13 +11,8 @@ using namespace larkspur::test;
 
 namespace {
 
-class ConsoleState : public ::testing::Test {
+class ConsoleState : public ::testing::Test, protected FakeSession {
 protected:
-    VirtualEventPump pump;
-    RecordingOperator op;
-    FakeTransport tcp{pump, "tcp"};
-    FakeTransport serial{pump, "serial"};
-    Session session{pump, op, tcp, serial};
     const ControlState& c(const char* name) { return session.controls.state(name); }
 };
 

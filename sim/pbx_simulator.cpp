@@ -1,5 +1,6 @@
 #include "sim/pbx_simulator.h"
 
+#include "link/host_port.h"
 #include "link/readable_notation.h"
 #include "sim/pbx_session.h"
 #include "sim/pty_peer.h"
@@ -13,10 +14,7 @@ namespace larkspur::sim {
 namespace {
 
 QString endpoint(const QHostAddress& address, quint16 port) {
-    const QString host = address.protocol() == QAbstractSocket::IPv6Protocol
-                             ? u'[' + address.toString() + u']'
-                             : address.toString();
-    return host + u':' + QString::number(port);
+    return formatHostPort(address.toString(), QString::number(port));
 }
 
 } // namespace
@@ -51,6 +49,11 @@ bool PbxSimulator::start(QString* error) {
             m_tracer.status(
                 QStringLiteral("link %1 -> %2").arg(m_options.ptyLink, m_pty->slavePath()));
         // A serial line has no connect: the console is as good as there once the pty is.
+        connect(m_pty.get(), &Peer::stalled, this, [this](qsizetype unsent) {
+            m_tracer.status(
+                QStringLiteral("dropped %1 bytes for the pty: the console does not read them")
+                    .arg(unsent));
+        });
         m_ptySession = std::make_unique<PbxSession>(*m_pty, m_options, m_tracer);
         m_ptySession->begin(false);
     }
@@ -91,13 +94,25 @@ void PbxSimulator::acceptConsole() {
         return;
     m_server.pauseAccepting();
     m_tcpPeer = new TcpPeer(socket, this);
-    connect(m_tcpPeer, &TcpPeer::disconnected, this, &PbxSimulator::dropConsole);
-    m_tracer.status(QStringLiteral("connected tcp ") + m_tcpPeer->description());
+    // Queued: a write inside the session's handling of a read can report the disconnect, and
+    // the session must not go while it is still walking that read.
+    connect(m_tcpPeer, &TcpPeer::disconnected, this, &PbxSimulator::dropConsole,
+            Qt::QueuedConnection);
+    const QString console = m_tcpPeer->description();
+    connect(m_tcpPeer, &Peer::stalled, this, [this, console](qsizetype unsent) {
+        m_tracer.status(
+            QStringLiteral("dropped tcp %1: it does not read what it is sent (%2 bytes unsent)")
+                .arg(console)
+                .arg(unsent));
+    });
+    m_tracer.status(QStringLiteral("connected tcp ") + console);
     m_tcpSession = std::make_unique<PbxSession>(*m_tcpPeer, m_options, m_tracer);
     m_tcpSession->begin(m_options.echoOffer);
 }
 
 void PbxSimulator::dropConsole() {
+    if (!m_tcpPeer)
+        return;
     m_tracer.status(QStringLiteral("disconnected"));
     m_tcpSession.reset();
     m_tcpPeer->deleteLater();

@@ -90,6 +90,13 @@ bool PtyPeer::write(const QByteArray& bytes) {
     if (m_master < 0)
         return false;
     if (!m_pending.isEmpty()) {
+        if (m_pending.size() + bytes.size() > maxUnsentBytes) {
+            // A serial console cannot be sent away: what it does not read is thrown away.
+            Q_EMIT stalled(m_pending.size() + bytes.size());
+            m_pending.clear();
+            m_writable->setEnabled(false);
+            return false;
+        }
         m_pending += bytes; // behind what is already waiting, to keep the order
         return true;
     }

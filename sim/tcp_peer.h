@@ -19,10 +19,14 @@ public:
     QString description() const;
 
 Q_SIGNALS:
+    // Once, when the console has gone.
     void disconnected();
 
 private:
+    void leave();
+
     QTcpSocket* m_socket;
+    bool m_left = false;
 };
 
 } // namespace larkspur::sim

@@ -8,6 +8,12 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <cerrno>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 using namespace larkspur::test;
 
 namespace {
@@ -118,3 +124,65 @@ TEST(PbxSimProcess, ExitsWithAStatusThatSaysWhatWentWrong) {
 }
 
 } // namespace
+
+// A console that sends two units in one write and is gone before the answers leave.
+TEST(PbxSimProcess, SurvivesAConsoleThatHangsUpMidReply) {
+    PbxSimProcess sim;
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    for (const QByteArray& burst :
+         {QByteArray("\x05\x05"), QByteArray("\x02STS 101\x03\x05"), QByteArray("\x05\x02X\x03")}) {
+        QTcpSocket hostile;
+        hostile.connectToHost(QHostAddress::LocalHost, sim.port());
+        ASSERT_TRUE(hostile.waitForConnected(5000));
+        hostile.write(burst);
+        hostile.flush();
+        hostile.abort();
+    }
+    // Still there, and serving the next console.
+    QTcpSocket console;
+    QByteArray received;
+    QObject::connect(&console, &QTcpSocket::readyRead, [&] { received += console.readAll(); });
+    console.connectToHost(QHostAddress::LocalHost, sim.port());
+    console.write("\x05");
+    ASSERT_TRUE(waitUntil([&] { return received == "\x06"; }, 10000))
+        << sim.diagnostics().toStdString() << sim.traceLines().join('\n').toStdString()
+        << received.toHex().toStdString();
+    EXPECT_EQ(sim.stop(), 0) << sim.diagnostics().toStdString();
+}
+
+// A console that floods ENQs and never reads the answers is dropped, not served forever.
+TEST(PbxSimProcess, DropsAConsoleThatNeverReads) {
+    PbxSimProcess sim;
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    ASSERT_GE(fd, 0);
+    const int small = 4096;
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(sim.port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    const QByteArray enqs(64 * 1024, '\x05');
+    bool refused = false;
+    const bool dropped = waitUntil(
+        [&] {
+            if (!refused && ::send(fd, enqs.constData(), size_t(enqs.size()), MSG_NOSIGNAL) < 0 &&
+                errno != EAGAIN && errno != EWOULDBLOCK && errno != EINPROGRESS)
+                refused = true;
+            return !sim.statusLines().filter("# dropped").isEmpty();
+        },
+        30000);
+    ::close(fd);
+    EXPECT_TRUE(dropped) << sim.diagnostics().toStdString();
+    EXPECT_TRUE(sim.statusLines().filter("does not read").size() == 1)
+        << sim.diagnostics().toStdString();
+
+    QTcpSocket console;
+    QByteArray received;
+    QObject::connect(&console, &QTcpSocket::readyRead, [&] { received += console.readAll(); });
+    console.connectToHost(QHostAddress::LocalHost, sim.port());
+    console.write("\x05");
+    EXPECT_TRUE(waitUntil([&] { return received.endsWith("\x06"); }, 10000));
+    EXPECT_EQ(sim.stop(), 0);
+}

@@ -1,5 +1,6 @@
 #include "console/link_status.h"
 
+#include "link/host_port.h"
 #include "link/link.h"
 #include "link/serial_line.h"
 
@@ -8,7 +9,7 @@ namespace larkspur {
 QString linkStatusText(const LinkSettings& settings, LinkState state, const QString& reason) {
     const QString where =
         settings.useTcp
-            ? QStringLiteral("TCP %1:%2").arg(settings.ipAddress, settings.telnetPort)
+            ? QStringLiteral("TCP ") + formatHostPort(settings.ipAddress, settings.telnetPort)
             : QStringLiteral("serial %1").arg(serialDeviceName(settings.commPortNumber));
     switch (state) {
     case LinkState::Closed:

@@ -1,6 +1,11 @@
 #include "script/player_options.h"
 
+#include "link/host_port.h"
+#include "link/serial_line.h"
+
 #include <QStringList>
+
+#include <cmath>
 
 namespace larkspur {
 
@@ -31,17 +36,14 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
         } else if (a == u"--tcp") {
             if (!value(v))
                 return std::nullopt;
-            const qsizetype colon = v.lastIndexOf(QLatin1Char(':'));
-            bool ok = false;
-            const uint port = colon > 0 ? v.mid(colon + 1).toUInt(&ok) : 0;
-            if (!ok || port == 0 || port > 65535) {
-                error =
-                    QStringLiteral("--tcp wants HOST:PORT with a port from 1 to 65535, not \"%1\"")
-                        .arg(v);
+            QString why;
+            const auto endpoint = parseHostPort(v, false, &why);
+            if (!endpoint) {
+                error = QStringLiteral("--tcp: ") + why;
                 return std::nullopt;
             }
-            o.tcpHost = v.left(colon);
-            o.tcpPort = QString::number(port);
+            o.tcpHost = endpoint->host;
+            o.tcpPort = QString::number(endpoint->port);
         } else if (a == u"--serial") {
             if (!value(v))
                 return std::nullopt;
@@ -53,8 +55,11 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
         } else if (a == u"--line") {
             if (!value(v))
                 return std::nullopt;
-            if (v.split(QLatin1Char(',')).size() != 4) {
-                error = QStringLiteral("--line wants SPEED,PARITY,DATA,STOP, not \"%1\"").arg(v);
+            SerialLine line;
+            QString why;
+            if (v.split(QLatin1Char(',')).size() != 4 || !parseSerialLine(v, line, why)) {
+                error = QStringLiteral("--line wants SPEED,PARITY,DATA,STOP, not \"%1\"%2")
+                            .arg(v, why.isEmpty() ? QString() : QStringLiteral(": ") + why);
                 return std::nullopt;
             }
             o.line = v;
@@ -89,7 +94,7 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
                 return std::nullopt;
             bool ok = false;
             o.connectTimeoutSeconds = v.toDouble(&ok);
-            if (!ok || o.connectTimeoutSeconds <= 0) {
+            if (!ok || !std::isfinite(o.connectTimeoutSeconds) || o.connectTimeoutSeconds <= 0) {
                 error = QStringLiteral("--connect-timeout wants a number of seconds above 0, "
                                        "not \"%1\"")
                             .arg(v);

@@ -1,5 +1,6 @@
 #include "sim/sim_options.h"
 
+#include "link/host_port.h"
 #include "link/readable_notation.h"
 
 #include <cmath>
@@ -29,24 +30,21 @@ std::optional<double> secondsFrom(const QString& text) {
     return seconds;
 }
 
-// HOST:PORT with an IPv4 address, "localhost", or an IPv6 address in brackets.
-bool readEndpoint(const QString& text, SimOptions& options) {
-    const qsizetype colon = text.lastIndexOf(u':');
-    if (colon < 0)
+// HOST:PORT as larkspur-run reads it; "localhost" stands for the loopback address.
+bool readEndpoint(const QString& text, SimOptions& options, QString* error) {
+    const auto endpoint = parseHostPort(text, true, error);
+    if (!endpoint)
         return false;
-    QString host = text.left(colon);
-    if (host.startsWith(u'[') && host.endsWith(u']'))
-        host = host.mid(1, host.size() - 2);
-    else if (host.contains(u':'))
+    const QHostAddress address = endpoint->host == u"localhost"
+                                     ? QHostAddress(QHostAddress::LocalHost)
+                                     : QHostAddress(endpoint->host);
+    if (address.isNull()) {
+        if (error)
+            *error = QStringLiteral("\"%1\" is not an address to listen on").arg(endpoint->host);
         return false;
-    const QHostAddress address =
-        host == u"localhost" ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(host);
-    bool ok = false;
-    const uint port = text.mid(colon + 1).toUInt(&ok);
-    if (address.isNull() || !ok || port > 65535)
-        return false;
+    }
     options.listenAddress = address;
-    options.listenPort = quint16(port);
+    options.listenPort = endpoint->port;
     return true;
 }
 
@@ -95,8 +93,9 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
             options.help = true;
         } else if (arg == u"--listen") {
             const auto endpoint = value(arg);
-            if (endpoint && !readEndpoint(*endpoint, options))
-                error = QStringLiteral("--listen: \"%1\" is not HOST:PORT").arg(*endpoint);
+            QString why;
+            if (endpoint && !readEndpoint(*endpoint, options, &why))
+                error = QStringLiteral("--listen: ") + why;
             listenGiven = true;
         } else if (arg == u"--pty") {
             options.pty = true;

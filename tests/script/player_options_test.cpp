@@ -44,6 +44,16 @@ TEST(PlayerOptions, ReadsEveryOption) {
               QStringList({"a.log", "e.txt", "j.xml", "s.txt"}));
 }
 
+TEST(PlayerOptions, TakesIpv6InBrackets) {
+    QString error;
+    const auto o =
+        parsePlayerOptions({"--tcp", "[::1]:2001", "--connect-timeout", "0.25", "s"}, error);
+    ASSERT_TRUE(o) << error;
+    EXPECT_EQ(*o->tcpHost, "::1");
+    EXPECT_EQ(*o->tcpPort, "2001");
+    EXPECT_DOUBLE_EQ(o->connectTimeoutSeconds, 0.25);
+}
+
 TEST(PlayerOptions, RejectsWithAReason) {
     struct Case {
         QStringList arguments;
@@ -56,6 +66,14 @@ TEST(PlayerOptions, RejectsWithAReason) {
         {{"--line", "9600,N,8", "s"}, "SPEED,PARITY"},
         {{"--protocol", "hyatt", "s"}, "HYATT or HIS"},
         {{"--connect-timeout", "0", "s"}, "above 0"},
+        {{"--connect-timeout", "nan", "s"}, "above 0"},
+        {{"--connect-timeout", "inf", "s"}, "above 0"},
+        {{"--connect-timeout", "-inf", "s"}, "above 0"},
+        {{"--tcp", "::1:15374", "s"}, "brackets"},
+        {{"--line", "9600,X,8,1", "s"}, "parity"},
+        {{"--line", "9600,N,9,1", "s"}, "data bits"},
+        {{"--line", "0,N,8,1", "s"}, "speed"},
+        {{"--line", "9600,N,8,3", "s"}, "stop bits"},
         {{"--junit"}, "needs a value"},
         {{"a", "b"}, "one too many"},
         {{"-x", "s"}, "unknown option"},

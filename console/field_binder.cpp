@@ -15,8 +15,9 @@ FieldBinder::FieldBinder(Fields& fields, QObject* parent) : QObject(parent), m_f
 void FieldBinder::bind(Field field, QLineEdit* edit) {
     m_edits[size_t(field)] = edit;
     edit->setText(m_fields.text(field));
-    // textEdited comes from the operator only, so the engine's writes never echo back.
-    connect(edit, &QLineEdit::textEdited, this,
+    // Every way the text changes counts: typing, paste, drag and drop, assistive technology, GUI
+    // automation. The engine's own writes come back equal and stop there.
+    connect(edit, &QLineEdit::textChanged, this,
             [this, field](const QString& text) { m_fields.setText(field, text); });
 }
 

@@ -131,8 +131,11 @@ QWidget* MainWindow::buildFieldGroup() {
     const int charWidth = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     QWidget* previous = nullptr;
     for (int i = 0; i < int(std::size(rows)); ++i) {
-        grid->addWidget(label(rows[i].label), i, 0);
+        QLabel* caption = label(rows[i].label);
+        grid->addWidget(caption, i, 0);
         QLineEdit* edit = field(rows[i].field, rows[i].maxLength);
+        // The label names the field, for assistive technology too, in either mode.
+        caption->setBuddy(edit);
         edit->setMinimumWidth(rows[i].widthInCharacters * charWidth + 12);
         grid->addWidget(edit, i, 1);
         // The pilot first, then the suite fields in order, then the rest as they stand.
@@ -166,10 +169,12 @@ QWidget* MainWindow::buildRoomFeatureGroup() {
                {button("cmd_msg_wait"), button("cmd_message_waiting_0"), button("cmd_wakeup")});
     addButtons(grid, 1, {button("cmd_set_credit")});
     auto* restrict = new QHBoxLayout;
-    restrict->addWidget(label("Label11"));
-    restrict->addWidget(list("cmb_restrict", {"internal call", "local call", "long distant call",
-                                              "option 1", "option 2", "option 3"}),
-                        1);
+    QLabel* caption = label("Label11");
+    QComboBox* levels = list("cmb_restrict", {"internal call", "local call", "long distant call",
+                                              "option 1", "option 2", "option 3"});
+    caption->setBuddy(levels);
+    restrict->addWidget(caption);
+    restrict->addWidget(levels, 1);
     grid->addLayout(restrict, 1, 1, 1, 2);
     equalColumns(grid);
     return box;
@@ -205,11 +210,17 @@ QWidget* MainWindow::buildScriptFrame() {
                {checkBox("Continuous"), button("cmd_cancel"), button("cmd_recovery"), nullptr});
     const QStringList& items = ScriptEngine::expectationItems();
     auto* expectations = new QHBoxLayout;
-    expectations->addWidget(label("label_wait(0)"));
-    expectations->addWidget(list("cmb_notify", items), 1);
-    expectations->addSpacing(16);
-    expectations->addWidget(label("label_wait(1)"));
-    expectations->addWidget(list("cmb_wait", items), 1);
+    const std::pair<const char*, const char*> lists[] = {{"label_wait(0)", "cmb_notify"},
+                                                         {"label_wait(1)", "cmb_wait"}};
+    for (const auto& [labelName, listName] : lists) {
+        QLabel* caption = label(labelName);
+        QComboBox* entries = list(listName, items);
+        caption->setBuddy(entries);
+        if (expectations->count() > 0)
+            expectations->addSpacing(16);
+        expectations->addWidget(caption);
+        expectations->addWidget(entries, 1);
+    }
     grid->addLayout(expectations, 2, 0, 1, 4);
     equalColumns(grid);
     return box;

@@ -167,6 +167,8 @@ void MainWindow::connectLink() {
     case Link::ConnectResult::NotOpened:
         m_status->setLinkState(LinkState::Closed);
         break;
+    case Link::ConnectResult::Lost:
+        break; // the status bar shows why already
     }
 }
 

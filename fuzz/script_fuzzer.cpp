@@ -66,16 +66,24 @@ private:
 void checkRead(const ScriptText& script) {
     FUZZ_CHECK(script.pmsMode == u"HOTEL" || script.pmsMode == u"VMAIL", "mode");
     FUZZ_CHECK(script.protocolType == u"HYATT" || script.protocolType == u"HIS", "protocol");
-    FUZZ_CHECK(script.text.endsWith(QChar(ctl::ETX)), "the script text ends in ETX");
-    const QString lines = script.text.chopped(1);
+    FUZZ_CHECK(script.text.endsWith(char(ctl::ETX)), "the script text ends in ETX");
+    const QString lines = QString::fromLatin1(script.text.chopped(1));
     FUZZ_CHECK(lines.isEmpty() || lines.endsWith(u"\r\n"), "every kept line ends in CR LF");
     QStringList kept = lines.split(QStringLiteral("\r\n"));
     kept.removeLast();
+    qsizetype position = 1;
+    int previousLine = 0;
     for (const QString& line : std::as_const(kept)) {
         FUZZ_CHECK(!line.contains(u'\r') && !line.contains(u'\n'), "a line holds no line end");
-        FUZZ_CHECK(!line.trimmed().isEmpty() && !line.startsWith(u';') && !line.contains(u"VMAIL"),
-                   "blank lines, comments and VMAIL lines are left out");
+        FUZZ_CHECK(!trimBlanks(line).isEmpty() && !line.startsWith(u';') &&
+                       !line.contains(u"VMAIL"),
+                   "lines of blanks, comments and VMAIL lines are left out");
+        const int fileLine = script.fileLineAt(position);
+        FUZZ_CHECK(fileLine > previousLine, "kept lines keep their order in the file");
+        previousLine = fileLine;
+        position += line.size() + 2;
     }
+    FUZZ_CHECK(script.fileLineAt(position) == 0, "the ETX stands on no line");
 }
 
 bool isWrite(const QByteArray& w, bool vmail) {

@@ -20,7 +20,10 @@ Link::Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& t
     connect(&m_serial, &Transport::dataReceived, this, &Link::onSerialData);
     connect(&m_serial, &Transport::carrierDetectChanged, this, &Link::onSerialCarrierDetect);
     for (Transport* t : {&m_tcp, &m_serial}) {
-        connect(t, &Transport::linkLost, this, &Link::linkLost);
+        connect(t, &Transport::linkLost, this, [this](const QString& reason) {
+            m_lost = true;
+            Q_EMIT linkLost(reason);
+        });
         connect(t, &Transport::warning, this, &Link::linkWarning);
     }
 }
@@ -43,18 +46,21 @@ bool Link::openTcp(double connectLimitSeconds) {
     // No limit in the window: the loop waits for the PBX until Disconnect is pressed. A PBX
     // that refused is asked again each second, so starting it later still connects.
     m_connectAborted = false;
-    double waited = 0;
+    const QDateTime started = m_pump.currentDateTime();
     while (!m_tcp.isOpen()) {
         m_pump.processEvents();
         if (m_tcp.isOpen())
             break;
+        const double waited = double(started.msecsTo(m_pump.currentDateTime())) / 1000.0;
         if (m_connectAborted || m_pump.stopRequested() ||
             (connectLimitSeconds > 0 && waited >= connectLimitSeconds)) {
             m_tcp.close();
             return false;
         }
-        pause_seconds(m_pump, 1.0f);
-        waited += 1.0;
+        // A limit under a second ends the loop at the limit, not at the next whole second.
+        pause_seconds(m_pump, connectLimitSeconds > 0
+                                  ? float(qMin(1.0, connectLimitSeconds - waited))
+                                  : 1.0f);
         if (!m_tcp.isOpen() && !m_connectAborted)
             m_tcp.connectToHost(settings.ipAddress.trimmed(), quint16(port));
     }
@@ -101,10 +107,13 @@ bool Link::testLink() {
 }
 
 Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
+    m_lost = false;
     const bool opened = settings.useTcp ? openTcp(connectLimitSeconds) : openSerial();
     if (!opened)
         return ConnectResult::NotOpened;
     if (!testLink()) {
+        if (m_lost)
+            return ConnectResult::Lost;
         m_log.logLine(QStringLiteral("No response from PBX"));
         return ConnectResult::NoResponse;
     }

@@ -27,6 +27,10 @@ void Link::send_text(const QString& text) {
     Q_EMIT bytesSent(bytes);
 }
 
+bool Link::interrupted() const {
+    return m_lost || m_pump.stopRequested();
+}
+
 void Link::wait_for_ack(bool show) {
     ackReceived = false;
     waitingForAck = true;
@@ -40,7 +44,12 @@ void Link::wait_for_ack(bool show) {
         m_pump.processEvents();
         if (ackReceived)
             break;
-        if (deadline < float(m_pump.secondsSinceMidnight()) || m_pump.stopRequested()) {
+        if (interrupted()) {
+            waitingForAck = false;
+            ackFailed = true;
+            return;
+        }
+        if (deadline < float(m_pump.secondsSinceMidnight())) {
             timedOut = true;
             break;
         }
@@ -71,8 +80,10 @@ bool Link::poll_for_ack(bool show) {
             waitingForAck = false;
             return true;
         }
-        if (m_pump.stopRequested())
-            break;
+        if (interrupted()) {
+            waitingForAck = false;
+            return false;
+        }
         pause_seconds(m_pump, 1.0f);
     }
     waitingForAck = false;
@@ -88,7 +99,7 @@ void Link::send_enq() {
         m_log.logLine(QStringLiteral("Sending -->    ENQ"));
         send_text(enqText());
         wait_for_ack(false);
-        if (!ackFailed)
+        if (!ackFailed || interrupted())
             return;
     }
 }
@@ -102,7 +113,7 @@ bool Link::send_enq_counted(qint16& attemptsLeft) {
         if (poll_for_ack(false))
             return true;
         --attemptsLeft;
-        if (attemptsLeft == 0 || m_pump.stopRequested())
+        if (attemptsLeft == 0 || interrupted())
             return false;
     }
 }

@@ -55,6 +55,15 @@ QString FakeTransport::openPort(const QString& portName) {
     return QString();
 }
 
+void FakeTransport::loseLink(const QString& reason, qint64 delayMs) {
+    m_pump.schedule(delayMs, [this, reason] {
+        if (!m_open)
+            return;
+        close();
+        Q_EMIT linkLost(reason);
+    });
+}
+
 void FakeTransport::deliver(const QByteArray& bytes, qint64 delayMs) {
     m_pump.schedule(delayMs, [this, bytes] {
         m_pending = bytes;

@@ -26,6 +26,8 @@ public:
 
     // Delivers `bytes` as one read, `delayMs` from now.
     void deliver(const QByteArray& bytes, qint64 delayMs = 0);
+    // The peer goes away `delayMs` from now, as a PBX that hangs up.
+    void loseLink(const QString& reason, qint64 delayMs = 0);
 
     // Every write, in order, while the link was open.
     QList<QByteArray> written;

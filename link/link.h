@@ -41,8 +41,13 @@ struct HotelMessageRule {
 class Link : public QObject {
     Q_OBJECT
 public:
-    enum class ConnectResult { Connected, NoResponse, NotOpened };
-    enum class SendResult { Acknowledged, Failed };
+    // Lost: the link went away during the connection test.
+    enum class ConnectResult { Connected, NoResponse, NotOpened, Lost };
+    // AcknowledgedByStaleAck: a check-in whose frame the PBX never answered, counted as
+    // acknowledged by the ACK its ENQ left behind. Interrupted: the link was lost or the console
+    // is closing; the sequence ended where it stood.
+    enum class SendResult { Acknowledged, AcknowledgedByStaleAck, Failed, Interrupted };
+    Q_ENUM(SendResult)
 
     Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
          Transport& serial);
@@ -79,10 +84,15 @@ public:
     SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt);
     SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt,
                                 const QString& reportedText);
-    // The voice-mail sequence: send the frame, pause 2 s, report the ACK. Returns whether it came.
-    bool sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess);
-    // Appends a record to errorReport and counts it.
+    // The voice-mail sequence: send the frame, pause 2 s, report the ACK (Failed: none came).
+    SendResult sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess);
+    // Appends a record to errorReport and, when it `counts`, to errorCount.
     void recordError(const QString& record, bool counts);
+
+    // The transport went away since the last connect (the PBX hung up, the device vanished).
+    bool lost() const { return m_lost; }
+    // Every wait ends at once when the link is lost or the console is closing.
+    bool interrupted() const;
 
     // Opens and tests the active link. `connectLimitSeconds` bounds the TCP connect loop
     // (0: no limit, as in the window).
@@ -115,8 +125,10 @@ Q_SIGNALS:
     // Every transport write and read as it crossed the wire, for the wire trace.
     void bytesSent(const QByteArray& bytes);
     void bytesReceived(const QByteArray& bytes);
-    // The transport went away or warned; for the status bar.
+    // The transport went away; every wait ends and the controls go to the disconnected state.
     void linkLost(const QString& reason);
+    // A record was added to errorReport.
+    void errorRecorded(const QString& record);
     void linkWarning(const QString& text);
 
 private:
@@ -133,6 +145,7 @@ private:
     Transport& m_tcp;
     Transport& m_serial;
     bool m_connectAborted = false;
+    bool m_lost = false;
 };
 
 // Where the next message starts in `text`, scanning from `start`: just after the first CR LF or

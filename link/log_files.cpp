@@ -3,20 +3,20 @@
 #include "link/frame.h"
 #include "link/log_view_list.h"
 
+#include "link/output_file.h"
+
 #include <QFile>
-#include <QSaveFile>
 
 namespace larkspur {
 
 bool saveLogFile(const QString& path, const LogViewList& list) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        file.write(list.entry(i).toLatin1());
-        file.write("\r\n", 2);
-    }
-    return file.commit();
+    return writeWholeFile(path, [&list](QIODevice& file) {
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            if (file.write(list.entry(i).toLatin1()) < 0 || file.write("\r\n", 2) < 0)
+                return false;
+        }
+        return true;
+    });
 }
 
 bool appendLogFile(const QString& path, LogViewList& list) {

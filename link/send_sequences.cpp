@@ -24,6 +24,7 @@ void Link::recordError(const QString& record, bool counts) {
     errorReport += record;
     if (counts)
         ++errorCount;
+    Q_EMIT errorRecorded(record);
 }
 
 Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QString& body,
@@ -34,6 +35,8 @@ Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QStr
 Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QString& body,
                                         int& attempt, const QString& reportedText) {
     send_enq();
+    if (ackFailed && interrupted())
+        return SendResult::Interrupted;
     if (ackFailed) {
         const QString stamp = Time_of_error(m_pump.currentDateTime());
         m_log.logLine(rule.enqFailureLogTimed ? stamp + enqFailure : enqFailure);
@@ -44,9 +47,12 @@ Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QStr
         m_log.logLine(rule.logPrefix + body);
         send_text(plain_frame(body));
         wait_for_ack(false);
-        const bool acknowledged = rule.ackNeedsPoll ? poll_for_ack(false) : !ackFailed;
+        if (ackFailed && interrupted())
+            return SendResult::Interrupted;
+        const bool answered = !ackFailed;
+        const bool acknowledged = rule.ackNeedsPoll ? poll_for_ack(false) : answered;
         if (acknowledged)
-            return SendResult::Acknowledged;
+            return answered ? SendResult::Acknowledged : SendResult::AcknowledgedByStaleAck;
         if (++attempt > frameAttempts) {
             const QString stamp = Time_of_error(m_pump.currentDateTime());
             m_log.logLine(stamp + rule.failureSentence);
@@ -59,16 +65,19 @@ Link::SendResult Link::sendHotelMessage(const HotelMessageRule& rule, const QStr
     }
 }
 
-bool Link::sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess) {
+Link::SendResult Link::sendVmailFrame(const QString& frame, const QString& logLine,
+                                      bool logSuccess) {
     vmailAcked = false;
     m_log.logLine(logLine);
     send_text(frame);
     pause_seconds(m_pump, vmailAnswerSeconds);
+    if (!vmailAcked && interrupted())
+        return SendResult::Interrupted;
     if (!vmailAcked)
         m_log.logLine(QStringLiteral("DID NOT RECEIVE ACK FROM PBX!"));
     else if (logSuccess)
         m_log.logLine(QStringLiteral("PBX ACKed"));
-    return vmailAcked;
+    return vmailAcked ? SendResult::Acknowledged : SendResult::Failed;
 }
 
 } // namespace larkspur

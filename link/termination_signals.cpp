@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
@@ -11,12 +12,23 @@
 namespace larkspur {
 
 namespace {
-// A signal handler may only write to a pipe; the event loop reads the other end.
+// A signal handler may only write to a pipe and set a flag; the event loop reads the pipe.
 int signalPipe[2] = {-1, -1};
+std::atomic<bool> requested{false};
 
 void onSignal(int) {
+    requested = true;
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+
+void install(bool resumeCalls) {
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = resumeCalls ? SA_RESTART : 0;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
 }
 } // namespace
 
@@ -36,14 +48,20 @@ bool watchTerminationSignals(std::function<void()> handler, QString* error) {
                          }
                          handler();
                      });
-
-    struct sigaction action {};
-    action.sa_handler = onSignal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    install(true);
     return true;
+}
+
+bool terminationRequested() {
+    return requested;
+}
+
+InterruptibleCalls::InterruptibleCalls() {
+    install(false);
+}
+
+InterruptibleCalls::~InterruptibleCalls() {
+    install(true);
 }
 
 } // namespace larkspur

@@ -11,4 +11,19 @@ namespace larkspur {
 // reason in `error`.
 bool watchTerminationSignals(std::function<void()> onSignal, QString* error);
 
+// Whether SIGINT or SIGTERM came since the watch began (before the event loop has run the
+// handler).
+bool terminationRequested();
+
+// While one lives, SIGINT and SIGTERM end a blocking call (the open of a FIFO nobody writes,
+// the read of a silent pipe) with EINTR instead of resuming it, so a program waiting for its
+// input can still be stopped.
+class InterruptibleCalls {
+public:
+    InterruptibleCalls();
+    ~InterruptibleCalls();
+    InterruptibleCalls(const InterruptibleCalls&) = delete;
+    InterruptibleCalls& operator=(const InterruptibleCalls&) = delete;
+};
+
 } // namespace larkspur

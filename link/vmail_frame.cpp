@@ -33,7 +33,7 @@ QString build_vmail_message(const QString& code, const QString& field1, const QS
     VmailLayout layout{};
     if (layoutOf(code, layout)) {
         if (layout.field1 > 0) {
-            QString f1 = field1.trimmed();
+            QString f1 = trimBlanks(field1);
             body += pad_field(f1, layout.field1);
         }
         if (layout.field2 > 0) {

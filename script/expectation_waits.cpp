@@ -97,10 +97,11 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
                 session.log.logLine(QStringLiteral("ERROR occurred: did not recieve --> ") + item +
                                     carriage_return() + QStringLiteral("but recieved --> ") +
                                     link.lastControl);
-                link.errorReport += Time_of_error(pump.currentDateTime()) +
-                                    QStringLiteral(": ERROR occurred while waiting for --> ") +
-                                    item + QStringLiteral("\nbut instead receieved --> ") +
-                                    link.lastControl + QStringLiteral("\n\n");
+                link.recordError(Time_of_error(pump.currentDateTime()) +
+                                     QStringLiteral(": ERROR occurred while waiting for --> ") +
+                                     item + QStringLiteral("\nbut instead receieved --> ") +
+                                     link.lastControl + QStringLiteral("\n\n"),
+                                 false);
             }
             link.ackReceived = false;
         }
@@ -109,7 +110,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
             end = End::TimedOut;
             break;
         }
-        if (session.stopScript || pump.stopRequested()) {
+        if (session.stopScript || link.interrupted()) {
             end = End::Stopped;
             break;
         }
@@ -130,13 +131,16 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
             QLatin1Char(' ') + digit);
     } else if (end == End::TimedOut) {
         session.log.logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
-        link.errorReport += Time_of_error(pump.currentDateTime()) +
-                            QStringLiteral(": Time expired.  Did not receive--> ") + item +
-                            QStringLiteral("\n\n");
+        link.recordError(Time_of_error(pump.currentDateTime()) +
+                             QStringLiteral(": Time expired.  Did not receive--> ") + item +
+                             QStringLiteral("\n\n"),
+                         false);
     }
     if (end != End::Stopped)
         Q_EMIT session.expectationEnded(item, end == End::Success,
                                         started.msecsTo(pump.currentDateTime()));
+    else
+        Q_EMIT session.expectationStopped(item);
     link.waitingForAck = false;
     session.stopScript = false;
 }

@@ -1,27 +1,31 @@
 #include "script/headless_player.h"
 
+#include "link/host_port.h"
 #include "link/log_files.h"
 #include "link/operator_interface.h"
+#include "link/output_file.h"
 #include "link/qt_event_pump.h"
 #include "link/run_statistics.h"
+#include "link/serial_line.h"
 #include "link/serial_transport.h"
 #include "link/settings_store.h"
 #include "link/tcp_transport.h"
 #include "link/termination_signals.h"
 #include "link/wire_trace.h"
+#include "script/junit_recorder.h"
 #include "script/junit_report.h"
 #include "script/player_options.h"
 #include "script/script_engine.h"
+#include "script/script_file.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSettings>
 
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace larkspur {
 
@@ -34,25 +38,34 @@ void printError(const QString& text) {
 // Notices become one line on standard error; nobody is there to close a box.
 class HeadlessOperator : public OperatorInterface {
 public:
+    QString lastNotice;
+
     void notify(const QString& text) override {
-        QString line = text;
-        line.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
-        printError(line);
+        lastNotice = text;
+        lastNotice.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+        printError(lastNotice);
     }
     QString chooseFileToOpen(const QString&) override { return QString(); }
     QString chooseFileToSave(const QString&) override { return QString(); }
 };
 
-// The traffic log on standard output, each CR LF as LF.
+// The traffic log on standard output, each CR LF as LF; the JUnit case of the command that
+// logged it gets it too.
 class StdoutDisplay : public TrafficDisplay {
 public:
+    explicit StdoutDisplay(JunitRecorder& junit) : m_junit(junit) {}
+
     void insertAtEnd(const QString& text, bool) override {
         QByteArray bytes = text.toLatin1();
         bytes.replace("\r\n", "\n");
         std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
         std::fflush(stdout);
+        m_junit.addOutput(text);
     }
     void clear() override {}
+
+private:
+    JunitRecorder& m_junit;
 };
 
 void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& script) {
@@ -81,161 +94,252 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
     session.errorMode = o.errorMode;
 }
 
-bool writeText(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+// "TCP 127.0.0.1:15374", "serial /dev/ttyS0".
+QString linkName(const LinkSettings& s) {
+    return s.useTcp ? QStringLiteral("TCP ") + formatHostPort(s.ipAddress, s.telnetPort)
+                    : QStringLiteral("serial ") + serialDeviceName(s.commPortNumber);
 }
-} // namespace
 
-int runHeadless(const PlayerOptions& options) {
-    // The script is read before anything is opened: a bad path costs no connection.
-    QFile file(options.script);
-    if (!file.open(QIODevice::ReadOnly)) {
-        printError(QStringLiteral("cannot read %1: %2").arg(options.script, file.errorString()));
-        return exitcode::badScript;
-    }
-    const ScriptText script = readScript(file.readAll());
-    file.close();
+bool sameFile(const QString& a, const QString& b) {
+    struct stat sa {
+    }, sb{};
+    if (::stat(QFile::encodeName(a).constData(), &sa) == 0 &&
+        ::stat(QFile::encodeName(b).constData(), &sb) == 0)
+        return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
+    return QFileInfo(a).absoluteFilePath() == QFileInfo(b).absoluteFilePath();
+}
 
-    QtEventPump pump;
-    HeadlessOperator op;
-    TcpTransport tcp;
-    SerialTransport serial;
-    Session session(pump, op, tcp, serial);
-    ScriptEngine engine(session);
-    StdoutDisplay display;
-    session.log.setDisplay(&display);
-
-    QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
-    loadLinkSettings(store, session.link);
-    applyOptions(options, session, script);
-    engine.Continuous = options.continuous;
-    QObject::connect(&session.link, &Link::linkLost, [](const QString& reason) {
-        printError(QStringLiteral("link lost: %1").arg(reason));
-    });
-
-    // Only the newest rows are kept in memory; the file gets every one as it happens.
-    WireTrace trace(1000);
-    traceLink(session.link, trace);
-    QFile traceFile(options.trace);
-    if (!options.trace.isEmpty()) {
-        if (!traceFile.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            printError(QStringLiteral("cannot write the trace %1: %2")
-                           .arg(options.trace, traceFile.errorString()));
-            return exitcode::usage;
+// The files the run will write, refused before anything is connected when one cannot be
+// written, is the script itself or is named twice. Empty when all is well.
+QString outputProblem(const PlayerOptions& o) {
+    const std::pair<const char*, QString> outputs[] = {{"--save-log", o.saveLog},
+                                                       {"--error-report", o.errorReport},
+                                                       {"--junit", o.junit},
+                                                       {"--trace", o.trace}};
+    for (size_t i = 0; i < std::size(outputs); ++i) {
+        const auto& [option, path] = outputs[i];
+        if (path.isEmpty())
+            continue;
+        if (sameFile(path, o.script))
+            return QStringLiteral("%1 %2 is the script itself").arg(option, path);
+        for (size_t j = 0; j < i; ++j) {
+            if (!outputs[j].second.isEmpty() && sameFile(path, outputs[j].second))
+                return QStringLiteral("%1 and %2 name the same file %3")
+                    .arg(outputs[j].first, option, path);
         }
-        QObject::connect(&trace, &WireTrace::rowAdded, [&traceFile](const WireRow& row) {
-            traceFile.write((WireTrace::format(row) + QLatin1Char('\n')).toLatin1());
-            traceFile.flush();
-        });
+        const QString why = unwritableReason(path);
+        if (!why.isEmpty())
+            return QStringLiteral("cannot write %1 %2: %3").arg(option, path, why);
     }
-    RunStatistics statistics;
-    QObject::connect(&trace, &WireTrace::exchangeEnded,
-                     [&statistics](const ExchangeEvent& e) { statistics.add(e); });
-    QObject::connect(&session, &Session::expectationEnded,
-                     [&statistics](const QString& item, bool succeeded, qint64 ms) {
-                         statistics.addWait(item, succeeded, ms);
-                     });
+    return QString();
+}
 
-    // A first signal acts as CANCEL (and keeps acting after each wait clears it); a second one
-    // ends every wait at once.
-    int signals = 0;
-    bool playing = false;
+// One run of the player: read, connect, play, report.
+class HeadlessRun {
+public:
+    explicit HeadlessRun(const PlayerOptions& options) : m_options(options) {}
+
+    int exec();
+
+private:
+    int play(const ScriptText& script);
+    void onSignal();
+    void onLinkLost(const QString& reason);
+    void writeReports();
+    int afterPlaying(ScriptEngine::RunOutcome outcome);
+
+    const PlayerOptions& m_options;
+    QtEventPump m_pump;
+    HeadlessOperator m_operator;
+    TcpTransport m_tcp;
+    SerialTransport m_serial;
+    Session m_session{m_pump, m_operator, m_tcp, m_serial};
+    ScriptEngine m_engine{m_session};
+    JunitReport m_report;
+    JunitRecorder m_junit{m_session, m_engine, m_report};
+    StdoutDisplay m_display{m_junit};
+    // Only the newest rows are kept in memory; the file gets every one as it happens.
+    WireTrace m_trace{1000};
+    QFile m_traceFile;
+    RunStatistics m_statistics;
+    int m_signals = 0;
+    bool m_playing = false;
+    QString m_lostReason;
+};
+
+int HeadlessRun::exec() {
+    // Before the script is opened: a FIFO blocks its open until someone writes it, and a signal
+    // must still end the run.
     QString error;
-    if (!watchTerminationSignals(
-            [&] {
-                ++signals;
-                session.stopScript = true;
-                if (signals > 1 || !playing)
-                    pump.requestStop();
-            },
-            &error))
+    if (!watchTerminationSignals([this] { onSignal(); }, &error))
         printError(error);
 
-    const Link::ConnectResult connected = session.cmd_connect(options.connectTimeoutSeconds);
-    if (signals > 0) {
-        session.cmd_disconnect();
+    ScriptFile file;
+    {
+        InterruptibleCalls interruptible;
+        file = readScriptFile(m_options.script);
+    }
+    if (file.status == ScriptFile::Status::Interrupted || terminationRequested())
         return exitcode::interrupted;
+    if (file.status == ScriptFile::Status::Refused) {
+        printError(QStringLiteral("cannot read %1: %2").arg(m_options.script, file.error));
+        return exitcode::badScript;
     }
-    if (connected != Link::ConnectResult::Connected) {
-        if (connected == Link::ConnectResult::NotOpened && session.link.settings.useTcp)
-            printError(QStringLiteral("no connection to %1:%2 within %3 s")
-                           .arg(session.link.settings.ipAddress, session.link.settings.telnetPort)
-                           .arg(options.connectTimeoutSeconds));
-        session.cmd_disconnect();
-        return exitcode::noLink;
+    const ScriptText script = readScript(std::exchange(file.bytes, QByteArray()));
+
+    const QString problem = outputProblem(m_options);
+    if (!problem.isEmpty()) {
+        printError(problem);
+        return exitcode::usage;
+    }
+    return play(script);
+}
+
+int HeadlessRun::play(const ScriptText& script) {
+    m_session.log.setDisplay(&m_display);
+    QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
+    loadLinkSettings(store, m_session.link);
+    applyOptions(m_options, m_session, script);
+    m_engine.Continuous = m_options.continuous;
+    QObject::connect(&m_session.link, &Link::linkLost,
+                     [this](const QString& reason) { onLinkLost(reason); });
+
+    traceLink(m_session.link, m_trace);
+    if (!m_options.trace.isEmpty()) {
+        m_traceFile.setFileName(m_options.trace);
+        if (!m_traceFile.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+            printError(QStringLiteral("cannot write the trace %1: %2")
+                           .arg(m_options.trace, m_traceFile.errorString()));
+            return exitcode::usage;
+        }
+        QObject::connect(&m_trace, &WireTrace::rowAdded, [this](const WireRow& row) {
+            m_traceFile.write((WireTrace::format(row) + QLatin1Char('\n')).toLatin1());
+            m_traceFile.flush();
+        });
+    }
+    QObject::connect(&m_trace, &WireTrace::exchangeEnded,
+                     [this](const ExchangeEvent& e) { m_statistics.add(e); });
+    QObject::connect(&m_session, &Session::expectationEnded,
+                     [this](const QString& item, bool succeeded, qint64 ms) {
+                         m_statistics.addWait(item, succeeded, ms);
+                     });
+    // A signal acts as CANCEL after every command, so the run ends after the one in progress.
+    QObject::connect(&m_engine, &ScriptEngine::commandFinished, [this] {
+        if (m_signals > 0)
+            m_session.stopScript = true;
+    });
+    QObject::connect(
+        &m_engine, &ScriptEngine::unrecognizedCommand, [](int line, const QString& why) {
+            printError(line > 0 ? QStringLiteral("line %1: %2").arg(line).arg(why) : why);
+        });
+
+    const LinkSettings& s = m_session.link.settings;
+    const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
+    if (m_signals > 0 || connected != Link::ConnectResult::Connected) {
+        QString why;
+        int status = exitcode::noLink;
+        if (m_signals > 0) {
+            why = QStringLiteral("interrupted");
+            status = exitcode::interrupted;
+        } else if (connected == Link::ConnectResult::Lost) {
+            why = QStringLiteral("link lost: ") + m_lostReason;
+            status = exitcode::linkLost;
+        } else if (connected == Link::ConnectResult::NoResponse) {
+            why = QStringLiteral("No response from PBX");
+        } else if (s.useTcp && m_operator.lastNotice.isEmpty()) {
+            why = QStringLiteral("no connection to %1 within %2 s")
+                      .arg(formatHostPort(s.ipAddress, s.telnetPort))
+                      .arg(m_options.connectTimeoutSeconds);
+            printError(why);
+        } else {
+            why = m_operator.lastNotice;
+        }
+        m_junit.connectionFailed(linkName(s), why);
+        m_session.cmd_disconnect();
+        writeReports();
+        return status;
     }
 
-    JunitReport report;
-    QElapsedTimer commandClock;
-    qsizetype logAtStart = 0, reportAtStart = 0;
-    qint16 errorsAtStart = 0;
-    QString currentLine;
-    QObject::connect(&engine, &ScriptEngine::commandStarted, [&](const QString& line) {
-        currentLine = line;
-        logAtStart = session.log.logText().size();
-        reportAtStart = session.link.errorReport.size();
-        errorsAtStart = session.link.errorCount;
-        commandClock.start();
-    });
-    QObject::connect(&engine, &ScriptEngine::commandFinished, [&] {
-        JunitReport::Case c;
-        c.name = currentLine;
-        c.seconds = double(commandClock.elapsed()) / 1000.0;
-        c.output = session.log.logText().mid(logAtStart);
-        c.output.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-        c.failure = session.link.errorReport.mid(reportAtStart).trimmed();
-        if (c.failure.isEmpty() && session.link.errorCount != errorsAtStart)
-            c.failure = QStringLiteral("the transaction failed");
-        report.add(c);
-        if (signals > 0)
-            session.stopScript = true;
-    });
+    m_playing = true;
+    const ScriptEngine::RunOutcome outcome = m_engine.runScript(script);
+    m_playing = false;
+    m_junit.finish();
+    m_session.cmd_disconnect();
+    writeReports();
+    return afterPlaying(outcome);
+}
 
-    playing = true;
-    const ScriptEngine::RunOutcome outcome = engine.runScriptFile(options.script);
-    playing = false;
-    session.cmd_disconnect();
-    trace.finish(pump.currentDateTime());
+void HeadlessRun::onSignal() {
+    // A first signal acts as CANCEL (and keeps acting after each command); a second one, or one
+    // before the script plays, ends every wait at once.
+    ++m_signals;
+    m_session.stopScript = true;
+    if (m_signals > 1 || !m_playing)
+        m_pump.requestStop();
+}
 
-    if (!statistics.isEmpty())
-        std::fprintf(stderr, "%s", qPrintable(statistics.table()));
-    for (auto it = statistics.rows().cbegin(); it != statistics.rows().cend(); ++it) {
+void HeadlessRun::onLinkLost(const QString& reason) {
+    // Nothing more can reach the PBX: the run ends where it stands.
+    m_lostReason = reason;
+    printError(QStringLiteral("link lost: %1").arg(reason));
+    m_pump.requestStop();
+}
+
+void HeadlessRun::writeReports() {
+    m_trace.finish(m_pump.currentDateTime());
+    if (!m_statistics.isEmpty())
+        std::fprintf(stderr, "%s", qPrintable(m_statistics.table()));
+    for (auto it = m_statistics.rows().cbegin(); it != m_statistics.rows().cend(); ++it) {
         const RunStatistics::Row& r = it.value();
         const QString type = it.key();
-        report.addProperty(type + QStringLiteral(".sent"), QString::number(r.sent));
-        report.addProperty(type + QStringLiteral(".acknowledged"), QString::number(r.acknowledged));
-        report.addProperty(type + QStringLiteral(".refused"), QString::number(r.refused));
-        report.addProperty(type + QStringLiteral(".timedOut"), QString::number(r.timedOut));
+        m_report.addProperty(type + QStringLiteral(".sent"), QString::number(r.sent));
+        m_report.addProperty(type + QStringLiteral(".acknowledged"),
+                             QString::number(r.acknowledged));
+        m_report.addProperty(type + QStringLiteral(".refused"), QString::number(r.refused));
+        m_report.addProperty(type + QStringLiteral(".timedOut"), QString::number(r.timedOut));
         if (!r.answerMs.isEmpty())
-            report.addProperty(
+            m_report.addProperty(
                 type + QStringLiteral(".answerMs"),
                 QStringLiteral("%1/%2/%3").arg(r.minMs()).arg(r.medianMs()).arg(r.maxMs()));
     }
 
-    if (!options.saveLog.isEmpty() && !saveLogFile(options.saveLog, session.log.viewerList()))
-        printError(QStringLiteral("cannot write the log file %1").arg(options.saveLog));
-    if (!options.errorReport.isEmpty() &&
-        !writeText(options.errorReport, session.link.errorReport.toLatin1()))
-        printError(QStringLiteral("cannot write the error report %1").arg(options.errorReport));
-    if (!options.junit.isEmpty() &&
-        !report.write(options.junit, QFileInfo(options.script).completeBaseName()))
-        printError(QStringLiteral("cannot write the JUnit report %1").arg(options.junit));
+    const QString& saveLog = m_options.saveLog;
+    if (!saveLog.isEmpty() && !saveLogFile(saveLog, m_session.log.viewerList()))
+        printError(QStringLiteral("cannot write the log file %1").arg(saveLog));
+    const QByteArray errors = m_session.link.errorReport.toLatin1();
+    QString why;
+    if (!m_options.errorReport.isEmpty() &&
+        !writeWholeFile(
+            m_options.errorReport, [&errors](QIODevice& f) { return f.write(errors) >= 0; }, &why))
+        printError(
+            QStringLiteral("cannot write the error report %1: %2").arg(m_options.errorReport, why));
+    if (!m_options.junit.isEmpty() &&
+        !m_report.write(m_options.junit, QFileInfo(m_options.script).completeBaseName()))
+        printError(QStringLiteral("cannot write the JUnit report %1").arg(m_options.junit));
+}
 
-    if (signals > 0)
+int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) {
+    if (m_signals > 0)
         return exitcode::interrupted;
+    if (!m_lostReason.isEmpty())
+        return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        return session.link.errorCount == 0 ? exitcode::ok : exitcode::transactionsFailed;
+        return m_session.link.errorCount == 0 ? exitcode::ok : exitcode::transactionsFailed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:
     case ScriptEngine::RunOutcome::NotRead:
-        return exitcode::badScript;
     case ScriptEngine::RunOutcome::Busy:
         break;
     }
     return exitcode::badScript;
+}
+} // namespace
+
+int runHeadless(const PlayerOptions& options) {
+    HeadlessRun run(options);
+    return run.exec();
 }
 
 } // namespace larkspur

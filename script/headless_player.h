@@ -10,6 +10,7 @@ constexpr int ok = 0;
 constexpr int transactionsFailed = 1;
 constexpr int noLink = 2;
 constexpr int badScript = 3;
+constexpr int linkLost = 4;
 constexpr int usage = 64;
 constexpr int interrupted = 130;
 } // namespace exitcode

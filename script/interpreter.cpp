@@ -4,9 +4,11 @@
 #include "link/frame.h"
 #include "link/operator_interface.h"
 #include "link/pause.h"
+#include "link/readable_notation.h"
 #include "script/expectation_waits.h"
 #include "script/script_commands.h"
 #include "script/script_engine.h"
+#include "script/script_reader.h"
 #include "transactions/session.h"
 
 namespace larkspur {
@@ -14,19 +16,22 @@ namespace larkspur {
 namespace {
 constexpr float commandPacingSeconds = 1.0f;
 
+// The script text, one byte a character, read at 1-based positions as the script columns are.
 struct Cursor {
-    const QString& text;
-    qsizetype pos; // 1-based
+    const ScriptText& script;
+    qsizetype pos;
     QString at(qsizetype from, qsizetype width) const {
-        return from < 1 ? QString() : text.mid(from - 1, width);
+        return from < 1 ? QString() : QString::fromLatin1(script.text.mid(from - 1, width));
     }
     // The line around `from`, for reports: up to its CR LF (or "~" in voice-mail scripts).
     QString lineFrom(qsizetype from, bool vmail) const {
         const qsizetype begin = qMax<qsizetype>(0, from - 1);
-        qsizetype end = text.indexOf(vmail ? QStringLiteral("~") : carriage_return(), begin);
+        qsizetype end = script.text.indexOf(vmail ? "~" : "\r\n", begin);
         if (end < 0)
-            end = text.size();
-        return text.mid(begin, end - begin);
+            end = script.text.indexOf("\r\n", begin);
+        if (end < 0)
+            end = script.text.size();
+        return QString::fromLatin1(script.text.mid(begin, end - begin));
     }
 };
 
@@ -52,13 +57,16 @@ void ScriptEngine::restoreButtonsAfterRun() {
     c.setEnabled({"cmd_end_script", "StopScript"}, false);
 }
 
-ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail) {
+ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
     Session& s = m_session;
-    Cursor cursor{text, vmail ? 2 : 1};
+    const bool vmail = script.pmsMode != u"HOTEL";
+    const QByteArray& text = script.text;
+    Cursor cursor{script, vmail ? 2 : 1};
     for (;;) {
         // Closing the console asks for a stop too: a wait it ended has cleared stopScript, and
         // every later wait would return at once, so a Continuous script would never end.
-        if (s.stopScript || s.pump.stopRequested()) {
+        // A lost link stops the script as a disconnect does.
+        if (s.stopScript || s.link.interrupted()) {
             s.stopScript = false;
             s.log.logLine(QStringLiteral("Script cancelled..."));
             return RunOutcome::Cancelled;
@@ -79,15 +87,25 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail
         }
 
         if (const ScriptCommand* command = findScriptCommand(word)) {
-            Q_EMIT commandStarted(cursor.lineFrom(vmail ? start - 1 : start, vmail));
+            const qsizetype lineStart = vmail ? start - 1 : start;
+            Q_EMIT commandStarted(cursor.lineFrom(lineStart, vmail), script.fileLineAt(lineStart));
             const qsizetype base = vmail ? cursor.pos : start;
             for (const FieldCopy& copy : command->copies)
                 s.fields.setText(copy.field, cursor.at(base + copy.column - 1, copy.width));
             command->press(s);
             if (vmail) {
-                // The next line starts past "~", CR, LF and its own framing character.
-                const qsizetype tilde = text.indexOf(QLatin1Char('~'), cursor.pos - 1);
-                cursor.pos = tilde < 0 ? text.size() + 1 : tilde + 1 + 4;
+                // The next line starts past "~", CR, LF and its own framing character. Without
+                // a "~" there is no next command to find: the line is not one the runner knows.
+                const qsizetype tilde = text.indexOf('~', cursor.pos - 1);
+                if (tilde < 0) {
+                    Q_EMIT commandFinished();
+                    const QString line = cursor.lineFrom(lineStart, vmail);
+                    return stopOnUnrecognized(
+                        toReadable(line.mid(1).toLatin1()), script.fileLineAt(lineStart),
+                        QStringLiteral("a voice-mail line without \"~\" after its frame: ") +
+                            toReadable(line.toLatin1()));
+                }
+                cursor.pos = tilde + 1 + 4;
             } else {
                 const FieldCopy& last = command->copies.last();
                 cursor.pos = base + last.column - 1 + last.width + 2;
@@ -95,8 +113,8 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail
             Q_EMIT commandFinished();
         } else if (!vmail && word.startsWith(u"STE") && word.size() == 4 &&
                    QStringLiteral("012345678AB").contains(word.at(3))) {
-            Q_EMIT commandStarted(cursor.lineFrom(start, vmail));
-            playLinkedSuite(cursor.text, start, word, cursor.pos);
+            Q_EMIT commandStarted(cursor.lineFrom(start, vmail), script.fileLineAt(start));
+            playLinkedSuite(text, start, word, cursor.pos);
             Q_EMIT commandFinished();
         } else if (!vmail && (word == u"NTFY" || word == u"WAIT")) {
             const QString head = cursor.at(start + 5, 4);
@@ -107,7 +125,7 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail
             // An expectation it does not know is passed over, and the next command is read
             // from where this one's expectation began.
             if (e) {
-                Q_EMIT commandStarted(cursor.lineFrom(start, vmail));
+                Q_EMIT commandStarted(cursor.lineFrom(start, vmail), script.fileLineAt(start));
                 qsizetype digitAt = start + 5 + 4;
                 if (e->roomOffset > 0) {
                     s.fields.setText(Field::txt_suite_1, cursor.at(start + 5 + e->roomOffset, 5));
@@ -132,27 +150,39 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const QString& text, bool vmail
             }
             cursor.pos = 1;
         } else {
-            s.operatorInterface.notify(QStringLiteral("Command: ") + word);
-            s.link.errorReport += Time_of_error(s.pump.currentDateTime()) +
-                                  QStringLiteral("-> Script File Corrupt:\n\n\n");
-            s.log.logLine(QStringLiteral("Script file error! Unrecognized command"));
-            restoreButtonsAfterRun();
-            s.log.logLine(QStringLiteral("Script Cancelled!"));
-            return RunOutcome::Unrecognized;
+            return stopOnUnrecognized(
+                word, script.fileLineAt(start),
+                QStringLiteral("unrecognized command \"%1\"").arg(toReadable(word.toLatin1())));
         }
         pause_seconds(s.pump, commandPacingSeconds);
     }
 }
 
-void ScriptEngine::playLinkedSuite(const QString& text, qsizetype start, const QString& word,
+ScriptEngine::RunOutcome ScriptEngine::stopOnUnrecognized(const QString& command, int fileLine,
+                                                          const QString& why) {
+    Session& s = m_session;
+    Q_EMIT unrecognizedCommand(fileLine, why);
+    s.operatorInterface.notify(QStringLiteral("Command: ") + command);
+    s.link.recordError(Time_of_error(s.pump.currentDateTime()) +
+                           QStringLiteral("-> Script File Corrupt:\n\n\n"),
+                       false);
+    s.log.logLine(QStringLiteral("Script file error! Unrecognized command"));
+    restoreButtonsAfterRun();
+    s.log.logLine(QStringLiteral("Script Cancelled!"));
+    return RunOutcome::Unrecognized;
+}
+
+void ScriptEngine::playLinkedSuite(const QByteArray& text, qsizetype start, const QString& word,
                                    qsizetype& pos) {
     Session& s = m_session;
     // Pilot in columns 6-10, then up to four members, each after one blank, to the line's end.
-    qsizetype lineEnd = text.indexOf(carriage_return(), start - 1) + 1; // 1-based CR
+    qsizetype lineEnd = text.indexOf("\r\n", start - 1) + 1; // 1-based CR
     if (lineEnd <= 0)
         lineEnd = text.size() + 1;
     const auto upToLineEnd = [&](qsizetype from, qsizetype width) {
-        return from >= lineEnd ? QString() : text.mid(from - 1, qMin(width, lineEnd - from));
+        return from >= lineEnd
+                   ? QString()
+                   : QString::fromLatin1(text.mid(from - 1, qMin(width, lineEnd - from)));
     };
     s.fields.setText(Field::txt_ls_pilot, upToLineEnd(start + 5, 5));
     const Field members[] = {Field::txt_suite_1, Field::txt_suite_2, Field::txt_suite_3,

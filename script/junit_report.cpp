@@ -2,7 +2,8 @@
 
 #include "link/readable_notation.h"
 
-#include <QSaveFile>
+#include "link/output_file.h"
+
 #include <QXmlStreamWriter>
 
 namespace larkspur {
@@ -22,9 +23,10 @@ QString printable(const QString& text) {
 } // namespace
 
 bool JunitReport::write(const QString& path, const QString& suiteName) const {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
+    return writeWholeFile(path, [&](QIODevice& file) { return writeXml(file, suiteName); });
+}
+
+bool JunitReport::writeXml(QIODevice& file, const QString& suiteName) const {
     int failures = 0;
     double total = 0;
     for (const Case& c : m_cases) {
@@ -59,6 +61,8 @@ bool JunitReport::write(const QString& path, const QString& suiteName) const {
             QStringLiteral("name"),
             QStringLiteral("%1 %2").arg(++index, 4, 10, QLatin1Char('0')).arg(printable(c.name)));
         xml.writeAttribute(QStringLiteral("time"), QString::number(c.seconds, 'f', 3));
+        if (c.line > 0)
+            xml.writeAttribute(QStringLiteral("line"), QString::number(c.line));
         if (!c.failure.isEmpty()) {
             xml.writeStartElement(QStringLiteral("failure"));
             xml.writeAttribute(QStringLiteral("message"),
@@ -72,7 +76,7 @@ bool JunitReport::write(const QString& path, const QString& suiteName) const {
     xml.writeEndElement();
     xml.writeEndElement();
     xml.writeEndDocument();
-    return !xml.hasError() && file.commit();
+    return !xml.hasError();
 }
 
 } // namespace larkspur

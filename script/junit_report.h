@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+class QIODevice;
+
 namespace larkspur {
 
 // One test case per played script command, written as JUnit XML for CI.
@@ -13,6 +15,7 @@ public:
         double seconds = 0;
         QString failure; // empty when the command did not fail
         QString output;  // the log lines of the command
+        int line = 0;    // where the command stands in the script file, when known
     };
 
     void add(Case c) { m_cases.append(std::move(c)); }
@@ -26,6 +29,8 @@ public:
     bool write(const QString& path, const QString& suiteName) const;
 
 private:
+    bool writeXml(QIODevice& file, const QString& suiteName) const;
+
     QList<Case> m_cases;
     QList<std::pair<QString, QString>> m_properties;
 };

@@ -3,10 +3,9 @@
 #include "link/operator_interface.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
+#include "script/script_file.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"
-
-#include <QFile>
 
 namespace larkspur {
 
@@ -35,15 +34,20 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
     s.link.errorCount = 0;
     if (s.link.waitingForAck)
         return RunOutcome::Busy;
-
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const ScriptFile file = readScriptFile(path);
+    if (file.status != ScriptFile::Status::Read) {
         s.operatorInterface.notify(
-            QStringLiteral("Cannot read script file %1: %2").arg(path, file.errorString()));
+            QStringLiteral("Cannot read script file %1: %2").arg(path, file.error));
         return RunOutcome::NotRead;
     }
-    const ScriptText script = readScript(file.readAll());
-    file.close();
+    return runScript(readScript(file.bytes));
+}
+
+ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
+    Session& s = m_session;
+    s.link.errorCount = 0;
+    if (s.link.waitingForAck)
+        return RunOutcome::Busy;
 
     s.stopScript = false;
     s.controls.setEnabled({"cmd_start_script", "cmd_end_script", "Xtest"}, false);
@@ -63,7 +67,7 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
 
     s.log.logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
     m_running = true;
-    const RunOutcome outcome = interpret(script.text, script.pmsMode != u"HOTEL");
+    const RunOutcome outcome = interpret(script);
     m_running = false;
     Q_EMIT runFinished(outcome);
     return outcome;
@@ -95,7 +99,7 @@ void ScriptEngine::cmd_recovery() {
     do {
         link.cmd_enquiry_basic();
         link.wait_for_ack(false);
-    } while (link.ackFailed && !m_session.pump.stopRequested());
+    } while (link.ackFailed && !link.interrupted());
     for (int round = 1; round <= 4; ++round) {
         link.cmd_enquiry_basic();
         WAIT(QStringLiteral("ack"), QStringLiteral("0"));

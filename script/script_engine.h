@@ -6,6 +6,7 @@
 
 namespace larkspur {
 
+class ScriptText;
 class Session;
 
 // Recording, replay and expected-message waits, driving the session exactly as the operator
@@ -40,6 +41,8 @@ public:
     void Xtest();
     // Plays the script in `path` (Run Script with the file already chosen).
     RunOutcome runScriptFile(const QString& path);
+    // Plays a script already read.
+    RunOutcome runScript(const ScriptText& script);
     bool running() const { return m_running; }
 
     void StopScript();
@@ -53,16 +56,22 @@ public:
     void cmd_recovery();
 
 Q_SIGNALS:
-    // A replayed command is about to run; `line` is its script line (for reports).
-    void commandStarted(const QString& line);
+    // A replayed command is about to run; `line` is its script line and `fileLine` where it
+    // stands in the file (for reports).
+    void commandStarted(const QString& line, int fileLine);
     // The replayed command finished.
     void commandFinished();
+    // The run stops on the line `fileLine` (0: past the last line), which the runner does not
+    // know; `why` says what is wrong with it.
+    void unrecognizedCommand(int fileLine, const QString& why);
     // The run is over.
     void runFinished(larkspur::ScriptEngine::RunOutcome outcome);
 
 private:
-    RunOutcome interpret(const QString& text, bool vmail);
-    void playLinkedSuite(const QString& text, qsizetype start, const QString& word, qsizetype& pos);
+    RunOutcome interpret(const ScriptText& script);
+    RunOutcome stopOnUnrecognized(const QString& command, int fileLine, const QString& why);
+    void playLinkedSuite(const QByteArray& text, qsizetype start, const QString& word,
+                         qsizetype& pos);
     void restoreButtonsAfterRun();
     void startListedWait(const QString& item, bool plain);
 

@@ -53,8 +53,8 @@ void sendToRooms(Session& session, const HotelTransaction& transaction) {
         frameSent = true;
         const QString body = transaction.body(message);
         const QString reported = transaction.reported ? transaction.reported(message) : body;
-        if (link.sendHotelMessage(transaction.rule, body, attempt, reported) ==
-            Link::SendResult::Failed)
+        if (!session.reportSent(link.sendHotelMessage(transaction.rule, body, attempt, reported),
+                                body))
             return;
         session.record(body);
     }

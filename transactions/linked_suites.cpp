@@ -53,7 +53,7 @@ void sendSuite(Session& session, const QString& code, const std::vector<SuiteFie
         body += field.value + field.separator;
     body.chop(1);
     int attempt = 1;
-    if (session.link.sendHotelMessage(suiteRule, body, attempt) == Link::SendResult::Acknowledged)
+    if (session.reportSent(session.link.sendHotelMessage(suiteRule, body, attempt), body))
         session.record(body);
 }
 

@@ -16,6 +16,20 @@ Session::Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transpo
         stopScript = true;
         disable_transaction_controls();
     });
+    // A lost link is a disconnect the operator did not ask for: a running script stops, and
+    // Connect is there to try again.
+    connect(&link, &Link::linkLost, this, [this] {
+        stopScript = true;
+        disable_transaction_controls();
+        controls.setEnabled(QStringLiteral("cmd_connect"), true);
+        controls.setEnabled(QStringLiteral("cmd_disconnect"), false);
+    });
+}
+
+bool Session::reportSent(Link::SendResult result, const QString& message) {
+    Q_EMIT transactionEnded(result, message);
+    return result == Link::SendResult::Acknowledged ||
+           result == Link::SendResult::AcknowledgedByStaleAck;
 }
 
 void Session::record(const QString& line) {

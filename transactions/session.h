@@ -82,6 +82,8 @@ public:
 
     // Appends one line (CR LF added) to the script being recorded, when recording.
     void record(const QString& line);
+    // Tells how one message of a transaction ended; true when the PBX took it.
+    bool reportSent(Link::SendResult result, const QString& message);
 
     // The window's modes, menus and enabling rules.
     void set_hotel_labels();
@@ -106,6 +108,11 @@ public:
 Q_SIGNALS:
     // An expected-message wait ended by success or time-out after `ms`.
     void expectationEnded(const QString& item, bool succeeded, qint64 ms);
+    // An expected-message wait was ended by a stop or a lost link before either.
+    void expectationStopped(const QString& item);
+    // One message of a transaction reached its end: `message` is what was sent (the body, or a
+    // voice-mail operation's log line).
+    void transactionEnded(larkspur::Link::SendResult result, const QString& message);
 };
 
 } // namespace larkspur

@@ -115,7 +115,10 @@ void send_vmail_operation(Session& session, VmailOperation operation) {
     const QString frame = link.build_vmail_message(rule.code, mailbox, extra);
     if (rule.keepsFrame)
         session.lastVmailMessage = frame;
-    link.sendVmailFrame(frame, logLine, rule.reportsAck);
+    const Link::SendResult result = link.sendVmailFrame(frame, logLine, rule.reportsAck);
+    session.reportSent(result, logLine);
+    if (result == Link::SendResult::Interrupted)
+        return;
     // The "~" marks a ready-made frame for the script runner.
     session.record(frame + QLatin1Char('~'));
 }

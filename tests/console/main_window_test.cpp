@@ -2,14 +2,18 @@
 #include "console/control_binder.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
+
+#include <functional>
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -120,6 +124,92 @@ TEST_F(MainWindowTest, FieldsGoBothWays) {
     EXPECT_EQ(session.fields.text(Field::Text1), QString(25, u'N'));
     QTest::keyClicks(find<QLineEdit>("txt_location"), "ABCDEFGHIJKL");
     EXPECT_EQ(session.fields.text(Field::txt_location), "ABCDEFGHIJ");
+}
+
+TEST_F(MainWindowTest, FieldsSetWithoutTypingReachTheSession) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    auto* suite = find<QLineEdit>("txt_suite_1");
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(suite);
+    ASSERT_TRUE(accessible && accessible->editableTextInterface());
+    const std::pair<const char*, std::function<void(const QString&)>> ways[] = {
+        {"assistive technology",
+         [&](const QString& t) { accessible->setText(QAccessible::Value, t); }},
+        {"editable text",
+         [&](const QString& t) {
+             accessible->editableTextInterface()->replaceText(0, suite->text().size(), t);
+         }},
+        {"paste",
+         [&](const QString& t) {
+             QApplication::clipboard()->setText(t);
+             suite->selectAll();
+             suite->paste();
+         }},
+        {"automation", [&](const QString& t) { suite->setText(t); }},
+    };
+    int room = 101;
+    for (const auto& [how, set] : ways) {
+        tcp.written.clear();
+        set(QString::number(room));
+        EXPECT_EQ(session.fields.text(Field::txt_suite_1), QString::number(room)) << how;
+        find<QAbstractButton>("cmd_chk_in")->click();
+        EXPECT_TRUE(tcp.written.contains("\x02"
+                                         "CHK1   " +
+                                         QByteArray::number(room) + "\x03"))
+            << how;
+        ++room;
+    }
+}
+
+TEST_F(MainWindowTest, EveryControlHasAReadableAccessibleName) {
+    window();
+    for (const char* mode : {"mnuVoiceMail", "mnuHotel"}) {
+        find<QAction>(mode)->trigger();
+        for (const QString& name : session.controls.names()) {
+            auto* widget = qobject_cast<QWidget*>(window().findChild<QObject*>(objectNameOf(name)));
+            if (!widget || widget->isHidden() || qobject_cast<QLabel*>(widget) ||
+                qobject_cast<QGroupBox*>(widget))
+                continue;
+            QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+            ASSERT_TRUE(accessible) << name.toStdString();
+            const QString spoken = accessible->text(QAccessible::Name);
+            EXPECT_FALSE(spoken.trimmed().isEmpty()) << mode << " " << name.toStdString();
+            EXPECT_FALSE(spoken.contains(u'&')) << name.toStdString() << spoken.toStdString();
+        }
+    }
+    // Each field and list is spoken by its own label, relabelled with the mode.
+    const std::pair<const char*, const char*> labelled[] = {
+        {"txt_ls_pilot", "Label4"},  {"txt_suite_1", "Label5"},      {"txt_suite_3", "Label7"},
+        {"Text1", "Label10"},        {"txt_credit", "Credit_label"}, {"cmb_restrict", "Label11"},
+        {"cmb_wait", "label_wait_1"}};
+    for (const auto& [field, label] : labelled)
+        EXPECT_EQ(
+            QAccessible::queryAccessibleInterface(find<QWidget>(field))->text(QAccessible::Name),
+            find<QLabel>(label)->text())
+            << field;
+    find<QAction>("mnuVoiceMail")->trigger();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(find<QLineEdit>("txt_suite_1"))
+                  ->text(QAccessible::Name)
+                  .trimmed(),
+              "Passcode:");
+}
+
+TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    ASSERT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+    tcp.loseLink("closed by the PBX");
+    pump.processEvents();
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(),
+              "TCP 127.0.0.1:15374 lost: closed by the PBX");
+    EXPECT_FALSE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+    EXPECT_FALSE(find<QAbstractButton>("cmd_disconnect")->isEnabled());
+    EXPECT_TRUE(find<QAbstractButton>("cmd_connect")->isEnabled());
+    EXPECT_TRUE(find<QMenu>("mnuConnection")->menuAction()->isEnabled());
+
+    find<QAbstractButton>("cmd_connect")->click();
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "TCP 127.0.0.1:15374 connected");
+    EXPECT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
 }
 
 TEST_F(MainWindowTest, TabGoesFromThePilotThroughTheSuiteFields) {

@@ -120,6 +120,13 @@ TEST_F(Connection, ConnectLimitBoundsTheTcpLoop) {
     EXPECT_TRUE(op.notices.isEmpty());
 }
 
+TEST_F(Connection, ConnectLimitUnderASecondIsHonoured) {
+    tcp.acceptAfterMs = -1;
+    EXPECT_EQ(link.cmd_connect(0.3), Link::ConnectResult::NotOpened);
+    EXPECT_GE(pump.elapsedMs(), 300);
+    EXPECT_LT(pump.elapsedMs(), 400);
+}
+
 TEST_F(Connection, BadTcpPortIsANotice) {
     link.settings.telnetPort = "70000";
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);

@@ -117,4 +117,12 @@ TEST(VmailFrame, UnknownCodeIsLoggedAndStillFramed) {
         << "codes are matched exactly, case included";
 }
 
+TEST(VmailFrame, FieldOneLosesBlanksOnlyNotOtherWhiteSpace) {
+    TrafficLog log;
+    EXPECT_EQ(build_vmail_message("2", " \t4001 ", "", "HIS", log),
+              stx() + "2\t4001 " + etx() + CRC("2\t4001 " + etx()));
+    EXPECT_EQ(build_vmail_message("7", "  4001  ", " 12 ", "HIS", log),
+              stx() + "74001   12   " + etx() + CRC("74001   12   " + etx()));
+}
+
 } // namespace

@@ -109,7 +109,8 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
         tcpPbx.onFrame = c.answer;
         const qint64 start = pump.elapsedMs();
         const QString f = link.build_vmail_message("3", "4001", "");
-        const bool acked = link.sendVmailFrame(f, c.after.first(), c.logSuccess);
+        const bool acked =
+            link.sendVmailFrame(f, c.after.first(), c.logSuccess) == Link::SendResult::Acknowledged;
         EXPECT_EQ(acked, c.answer == Answer::Ack);
         EXPECT_EQ(lines(), c.after);
         EXPECT_EQ(pump.elapsedMs() - start, 2000);

@@ -1,5 +1,7 @@
 #include "common/script_fixture.h"
 
+#include <QSignalSpy>
+
 using namespace larkspur;
 using namespace larkspur::test;
 using Outcome = ScriptEngine::RunOutcome;
@@ -229,6 +231,41 @@ TEST_F(Runner, RunScriptAsksForTheFile) {
     op.notices.clear();
     engine.Xtest(); // cancelled dialog
     EXPECT_TRUE(op.notices.isEmpty());
+}
+
+TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
+    session.link.protocolType = "HIS";
+    const QByteArray checkIn = session.link.build_vmail_message("2", "4001", "").toLatin1();
+    const QByteArray checkOut = session.link.build_vmail_message("3", "4001", "").toLatin1();
+    QSignalSpy unrecognized(&engine, &ScriptEngine::unrecognizedCommand);
+    // Line 3 lost its "~" and no line after it has one: there is no next command to find.
+    EXPECT_EQ(play("VMAILHIS\r\n" + checkIn + "~\r\n" + checkOut + "\r\n;\r\n"),
+              Outcome::Unrecognized);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({checkIn, checkOut}));
+    ASSERT_EQ(op.notices.size(), 1);
+    EXPECT_EQ(op.notices[0], "Command: 34001  <ETX>" + QString(checkOut.back()));
+    EXPECT_EQ(lines().mid(lines().size() - 2),
+              QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
+    EXPECT_EQ(session.link.errorReport, stamp() + "-> Script File Corrupt:\n\n\n");
+    ASSERT_EQ(unrecognized.size(), 1);
+    EXPECT_EQ(unrecognized[0][0].toInt(), 3);
+    EXPECT_TRUE(unrecognized[0][1].toString().contains("without \"~\""))
+        << unrecognized[0][1].toString();
+}
+
+TEST_F(Runner, CommandsTellTheirLineInTheFile) {
+    QSignalSpy started(&engine, &ScriptEngine::commandStarted);
+    QSignalSpy unrecognized(&engine, &ScriptEngine::unrecognizedCommand);
+    EXPECT_EQ(
+        play("; a\r\nCHK1   101\r\n\r\nSTE3   101\r\n;\r\nWAIT STS2   101 1\r\nSTOP\r\n;\r\n"),
+        Outcome::Unrecognized);
+    ASSERT_EQ(started.size(), 3);
+    EXPECT_EQ(started[0], QVariantList({"CHK1   101", 2}));
+    EXPECT_EQ(started[1], QVariantList({"STE3   101", 4}));
+    EXPECT_EQ(started[2], QVariantList({"WAIT STS2   101 1", 6}));
+    ASSERT_EQ(unrecognized.size(), 1);
+    EXPECT_EQ(unrecognized[0][0].toInt(), 7);
+    EXPECT_EQ(unrecognized[0][1].toString(), "unrecognized command \"STOP\"");
 }
 
 } // namespace

@@ -50,3 +50,31 @@ TEST(ScriptReader, KeepsDropsAndDecidesTheMode) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(ScriptReader, KeepsOnlyWhatIsMoreThanBlanks) {
+    // Only character 32 is a blank: a tab is text, and a line holding one is a command.
+    EXPECT_EQ(readScript("\t\r\nCHK1   101\r\n;\r\n").text, "\t\r\nCHK1   101\r\n\x03");
+    EXPECT_EQ(readScript("  \t \r\n;\r\n").text, "  \t \r\n\x03");
+    EXPECT_EQ(readScript("     \r\n;\r\n").text, "\x03");
+}
+
+TEST(ScriptReader, KnowsTheFileLineOfEveryKeptLine) {
+    const ScriptText s = readScript("; header\r\n"   // 1
+                                    "CHK1   101\r\n" // 2
+                                    "\r\n"           // 3
+                                    ";\r\n"          // 4
+                                    "CHK0   101\r\n" // 5
+                                    "MW 1   101\r\n" // 6
+                                    ";end\r\n");     // 7
+    ASSERT_EQ(s.text, "CHK1   101\r\nCHK0   101\r\nMW 1   101\r\n\x03");
+    const struct {
+        qsizetype position;
+        int fileLine;
+    } cases[] = {{1, 2}, {10, 2}, {12, 2}, {13, 5}, {25, 6}, {37, 0}, {5, 2}, {30, 6}};
+    for (const auto& c : cases)
+        EXPECT_EQ(s.fileLineAt(c.position), c.fileLine) << c.position;
+}
+
+} // namespace

@@ -1,0 +1,88 @@
+#include "script/junit_recorder.h"
+
+#include "link/event_pump.h"
+#include "script/script_engine.h"
+#include "transactions/session.h"
+
+namespace larkspur {
+
+JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine, JunitReport& report)
+    : m_session(session), m_report(report) {
+    connect(&engine, &ScriptEngine::commandStarted, this, &JunitRecorder::open);
+    connect(&engine, &ScriptEngine::commandFinished, this, &JunitRecorder::close);
+    connect(&engine, &ScriptEngine::unrecognizedCommand, this,
+            [this](int line, const QString& why) {
+                open(why, line);
+                fail(QStringLiteral("the script stops here: ") + why);
+            });
+    connect(&engine, &ScriptEngine::runFinished, this, &JunitRecorder::finish);
+    connect(&session.link, &Link::errorRecorded, this,
+            [this](const QString& record) { fail(record.trimmed()); });
+    connect(&session.link, &Link::linkLost, this,
+            [this](const QString& reason) { fail(QStringLiteral("link lost: ") + reason); });
+    connect(&session, &Session::expectationStopped, this, [this](const QString& item) {
+        fail(QStringLiteral("the wait for %1 was stopped before it ended").arg(item));
+    });
+    connect(&session, &Session::transactionEnded, this,
+            [this](Link::SendResult result, const QString& message) {
+                switch (result) {
+                case Link::SendResult::Acknowledged:
+                    break;
+                case Link::SendResult::AcknowledgedByStaleAck:
+                    fail(QStringLiteral("the PBX never acknowledged %1; the check-in counted the "
+                                        "ACK its ENQ left behind")
+                             .arg(message));
+                    break;
+                case Link::SendResult::Failed:
+                    // A hotel failure has its error record already; a voice-mail one has none.
+                    if (m_case && m_case->failure.isEmpty())
+                        fail(QStringLiteral("the PBX did not acknowledge %1").arg(message));
+                    break;
+                case Link::SendResult::Interrupted:
+                    fail(QStringLiteral("interrupted before the PBX acknowledged %1").arg(message));
+                    break;
+                }
+            });
+}
+
+void JunitRecorder::open(const QString& name, int line) {
+    close();
+    m_case = JunitReport::Case{name, 0, {}, {}, line};
+    m_started = m_session.pump.currentDateTime();
+}
+
+void JunitRecorder::fail(const QString& why) {
+    if (!m_case)
+        return;
+    if (!m_case->failure.isEmpty())
+        m_case->failure += QLatin1Char('\n');
+    m_case->failure += why;
+}
+
+void JunitRecorder::addOutput(QStringView text) {
+    if (!m_case)
+        return;
+    QString lines = text.toString();
+    lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    m_case->output += lines;
+}
+
+void JunitRecorder::close() {
+    if (!m_case)
+        return;
+    m_case->seconds = double(m_started.msecsTo(m_session.pump.currentDateTime())) / 1000.0;
+    m_report.add(std::move(*m_case));
+    m_case.reset();
+}
+
+void JunitRecorder::finish() {
+    close();
+}
+
+void JunitRecorder::connectionFailed(const QString& link, const QString& why) {
+    open(QStringLiteral("connect ") + link, 0);
+    fail(why);
+    close();
+}
+
+} // namespace larkspur

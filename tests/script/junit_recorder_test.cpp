@@ -1,0 +1,79 @@
+// The JUnit cases of a run, built from what happens: a transaction the PBX did not take, or one
+// cut short, never passes.
+#include "common/script_fixture.h"
+#include "script/junit_recorder.h"
+
+using namespace larkspur;
+using namespace larkspur::test;
+using Answer = FakePbx::Answer;
+
+namespace {
+
+class JunitCases : public ScriptFixture {
+protected:
+    JunitReport report;
+    JunitRecorder recorder{session, engine, report};
+
+    void SetUp() override {
+        ScriptFixture::SetUp();
+        session.recording = false;
+    }
+};
+
+TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
+    struct Case {
+        const char* name;
+        QByteArray script;
+        Answer onFrame;
+        QString failure; // a part of it; empty: the case passes
+    } cases[] = {
+        {"acknowledged", "CHK1   101\r\n;\r\n", Answer::Ack, ""},
+        {"refused: the error record", "CHK0   101\r\n;\r\n", Answer::Nak,
+         "-> PBX DID NOT ACKnowkledge the Check out message:"},
+        {"check-in answered only by its ENQ's ACK", "CHK1   101\r\n;\r\n", Answer::Silent,
+         "never acknowledged CHK1   101"},
+        {"voice mail without an ACK",
+         "VMAILHIS\r\n\x02"
+         "24001  \x03"
+         "4~\r\n;\r\n",
+         Answer::Silent, "did not acknowledge CHECK IN: 4001"},
+        {"a wait that times out", "WAIT STS2   101 1\r\n;\r\n", Answer::Ack,
+         "Time expired.  Did not receive--> sts2"},
+        {"unknown command", "STOP\r\n;\r\n", Answer::Ack, "unrecognized command \"STOP\""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        restart();
+        report = JunitReport();
+        pbx.onFrame = c.onFrame;
+        play(c.script);
+        ASSERT_EQ(report.cases().size(), 1);
+        const JunitReport::Case& r = report.cases().first();
+        if (QString(c.failure).isEmpty())
+            EXPECT_TRUE(r.failure.isEmpty()) << r.failure;
+        else
+            EXPECT_TRUE(r.failure.contains(c.failure)) << r.failure;
+    }
+}
+
+TEST_F(JunitCases, StoppedWaitsAndLostLinksFail) {
+    pump.schedule(1500, [&] { engine.StopScript(); });
+    play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n");
+    ASSERT_EQ(report.cases().size(), 2);
+    EXPECT_TRUE(report.cases()[0].failure.contains("stopped")) << report.cases()[0].failure;
+    EXPECT_TRUE(report.cases()[1].failure.isEmpty());
+    EXPECT_EQ(report.cases()[1].name, "CHK1   101");
+    EXPECT_EQ(report.cases()[1].line, 2);
+
+    restart();
+    report = JunitReport();
+    pbx.onFrame = Answer::Silent;
+    tcp.loseLink("closed by the PBX", 1000);
+    play("CHK0   101\r\nCHK0   102\r\n;\r\n");
+    ASSERT_EQ(report.cases().size(), 1);
+    EXPECT_TRUE(report.cases()[0].failure.contains("link lost: closed by the PBX"))
+        << report.cases()[0].failure;
+    EXPECT_TRUE(report.cases()[0].failure.contains("interrupted")) << report.cases()[0].failure;
+}
+
+} // namespace

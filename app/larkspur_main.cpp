@@ -2,7 +2,7 @@
 
 #include "console/main_window.h"
 #include "console/widget_operator.h"
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 #include "link/serial_transport.h"
 #include "link/tcp_transport.h"
 #include "script/script_engine.h"

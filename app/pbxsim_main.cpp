@@ -1,6 +1,6 @@
 // larkspur-pbxsim: the PBX side of the link, for practice, demos and our own tests.
 
-#include "link/termination_signals.h"
+#include "core/termination_signals.h"
 #include "sim/pbx_simulator.h"
 #include "sim/sim_options.h"
 #include "sim/stdin_lines.h"

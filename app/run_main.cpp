@@ -1,7 +1,7 @@
 // larkspur-run: plays a script against the PBX without a window, for CI and lab racks.
-#include "link/qt_event_pump.h"
-#include "script/headless_player.h"
-#include "script/player_options.h"
+#include "core/qt_event_pump.h"
+#include "player/headless_player.h"
+#include "player/player_options.h"
 
 #include <QCoreApplication>
 

@@ -2,7 +2,7 @@
 // and over a pty, beside a minimal blocking responder that marks the physical limit.
 #include "bench_common.h"
 #include "bench_console.h"
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -1,7 +1,7 @@
 #pragma once
 
 // A console engine for benchmarks: the real Qt pump and transports, no window, notices dropped.
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 #include "link/serial_transport.h"
 #include "link/tcp_transport.h"
 #include "quiet_operator.h"

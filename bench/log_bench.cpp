@@ -4,8 +4,8 @@
 #include "quiet_operator.h"
 
 #include "console/main_window.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 
 namespace bench {
 

@@ -3,9 +3,9 @@
 #include "bench_common.h"
 #include "quiet_operator.h"
 
-#include "link/fake_pbx.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_pbx.h"
+#include "doubles/fake_transport.h"
 #include "script/script_engine.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"

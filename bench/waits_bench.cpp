@@ -1,9 +1,9 @@
 // CPU time the console spends while it waits, and how long each specified wait really lasts.
 #include "bench_common.h"
 #include "bench_console.h"
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 
-#include "link/pause.h"
+#include "core/pause.h"
 #include "script/expectation_waits.h"
 
 #include <QCoreApplication>

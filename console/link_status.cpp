@@ -1,6 +1,6 @@
 #include "console/link_status.h"
 
-#include "link/host_port.h"
+#include "core/host_port.h"
 #include "link/link.h"
 #include "link/serial_line.h"
 

@@ -1,7 +1,7 @@
 #include "console/log_commands.h"
 
-#include "link/log_files.h"
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
+#include "records/log_files.h"
 #include "transactions/session.h"
 
 namespace larkspur {

@@ -1,7 +1,7 @@
 #include "console/log_view.h"
 
 #include "console/line_view.h"
-#include "link/log_view_list.h"
+#include "records/log_view_list.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>

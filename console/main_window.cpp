@@ -3,8 +3,8 @@
 #include "console/log_view.h"
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
-#include "link/event_pump.h"
-#include "link/pause.h"
+#include "core/event_pump.h"
+#include "core/pause.h"
 #include "link/settings_store.h"
 #include "transactions/session.h"
 

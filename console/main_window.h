@@ -3,8 +3,8 @@
 #include "console/control_binder.h"
 #include "console/field_binder.h"
 #include "console/operation_runner.h"
-#include "link/run_statistics.h"
-#include "link/wire_trace.h"
+#include "records/run_statistics.h"
+#include "records/wire_trace.h"
 
 #include <QMainWindow>
 

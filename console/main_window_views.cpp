@@ -4,7 +4,8 @@
 
 #include "console/run_statistics_dialog.h"
 #include "console/wire_trace_panel.h"
-#include "link/event_pump.h"
+#include "core/event_pump.h"
+#include "link/link_trace.h"
 #include "transactions/session.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
 #include "console/run_statistics_dialog.h"
 
-#include "link/run_statistics.h"
+#include "records/run_statistics.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>

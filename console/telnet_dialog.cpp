@@ -2,7 +2,7 @@
 
 #include "console/dialog_buttons.h"
 #include "console/ip_control.h"
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 #include "transactions/session.h"
 
 #include <QDialogButtonBox>

@@ -3,7 +3,7 @@
 #include "console/line_list_model.h"
 #include "console/line_view.h"
 #include "console/traffic_lines.h"
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 

@@ -1,7 +1,7 @@
 #include "console/wire_trace_model.h"
 
-#include "link/readable_notation.h"
-#include "link/wire_trace.h"
+#include "protocol/readable_notation.h"
+#include "records/wire_trace.h"
 
 #include <QColor>
 

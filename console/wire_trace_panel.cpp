@@ -1,7 +1,7 @@
 #include "console/wire_trace_panel.h"
 
-#include "link/operator_interface.h"
-#include "link/wire_trace.h"
+#include "core/operator_interface.h"
+#include "records/wire_trace.h"
 
 #include <QFontDatabase>
 #include <QHBoxLayout>

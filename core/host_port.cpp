@@ -1,4 +1,4 @@
-#include "link/host_port.h"
+#include "core/host_port.h"
 
 namespace larkspur {
 

@@ -1,4 +1,4 @@
-#include "link/output_file.h"
+#include "core/output_file.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
-#include "link/pause.h"
+#include "core/pause.h"
 
-#include "link/event_pump.h"
+#include "core/event_pump.h"
 
 #include <cmath>
 

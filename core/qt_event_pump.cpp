@@ -1,4 +1,4 @@
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/event_pump.h"
+#include "core/event_pump.h"
 
 #include <QElapsedTimer>
 

@@ -1,4 +1,4 @@
-#include "link/termination_signals.h"
+#include "core/termination_signals.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>

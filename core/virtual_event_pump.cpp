@@ -1,4 +1,4 @@
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
 
 namespace larkspur {
 

@@ -7,11 +7,11 @@
 //             instead of data (serial), bits 2-3 what consumes it: 0 plain event processing,
 //             1 wait_for_ack, 2 poll_for_ack, 3 a pause
 //   header 2: the data's length
+#include "core/pause.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "fuzz/fuzz_support.h"
-#include "link/fake_transport.h"
-#include "link/frame.h"
-#include "link/pause.h"
-#include "link/virtual_event_pump.h"
+#include "protocol/frame.h"
 #include "transactions/session.h"
 
 using namespace larkspur;

@@ -15,11 +15,11 @@
 // how it is meant to work. A wait for an ACK that starts in the last seconds of the day ends
 // only on an answer or a stop request, as it should; so when CANCEL has not ended the run
 // within stopRequestAfterMs, the harness asks for a stop as closing the window does.
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_pbx.h"
+#include "doubles/fake_transport.h"
 #include "fuzz/fuzz_support.h"
-#include "link/fake_pbx.h"
-#include "link/fake_transport.h"
-#include "link/frame.h"
-#include "link/virtual_event_pump.h"
+#include "protocol/frame.h"
 #include "script/script_engine.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"

@@ -5,7 +5,7 @@
 //   bits 0-5 the number of characters, bit 6 through logLine (else ShowDebug), bit 7 the
 //   display is cleared first
 #include "fuzz/fuzz_support.h"
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 
 using namespace larkspur;
 using namespace larkspur::fuzz;

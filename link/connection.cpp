@@ -1,10 +1,10 @@
 // Opening, testing and closing the link, and the wiring of the receivers.
-#include "link/event_pump.h"
+#include "core/event_pump.h"
+#include "core/operator_interface.h"
+#include "core/pause.h"
 #include "link/link.h"
-#include "link/operator_interface.h"
-#include "link/pause.h"
 #include "link/serial_line.h"
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 

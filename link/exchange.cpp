@@ -1,9 +1,9 @@
 // The ENQ/ACK exchange: waits that judge what the receiver recorded, and the line bid.
-#include "link/event_pump.h"
-#include "link/frame.h"
+#include "core/event_pump.h"
+#include "core/pause.h"
 #include "link/link.h"
-#include "link/pause.h"
-#include "link/traffic_log.h"
+#include "protocol/frame.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 

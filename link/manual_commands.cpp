@@ -1,6 +1,6 @@
-#include "link/frame.h"
 #include "link/link.h"
-#include "link/traffic_log.h"
+#include "protocol/frame.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 

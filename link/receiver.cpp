@@ -1,9 +1,9 @@
 // The two receive handlers. Each wake-up of a transport is one message: it is logged, named in
 // lastControl for whatever wait runs, and a few PBX messages are acknowledged at once. The
 // serial and TCP handlers differ on purpose in the details noted below.
-#include "link/frame.h"
 #include "link/link.h"
-#include "link/traffic_log.h"
+#include "protocol/frame.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 

@@ -1,11 +1,11 @@
 // The two ways a transaction reaches the PBX: the hotel line bid with retried frames, and the
 // voice-mail frame judged after a fixed pause.
-#include "link/event_pump.h"
-#include "link/frame.h"
+#include "core/event_pump.h"
+#include "core/pause.h"
 #include "link/link.h"
-#include "link/pause.h"
-#include "link/traffic_log.h"
-#include "link/vmail_frame.h"
+#include "protocol/frame.h"
+#include "protocol/vmail_frame.h"
+#include "records/traffic_log.h"
 
 namespace larkspur {
 
@@ -17,7 +17,12 @@ const QString enqFailure = QStringLiteral(" PBX DID NOT ACKnowkledge ENQ message
 
 QString Link::build_vmail_message(const QString& code, const QString& field1,
                                   const QString& field2) {
-    return larkspur::build_vmail_message(code, field1, field2, protocolType, m_log);
+    bool recognized = false;
+    const QString frame =
+        larkspur::build_vmail_message(code, field1, field2, protocolType, recognized);
+    if (!recognized)
+        m_log.logLine(QStringLiteral("Unrecognized command!"));
+    return frame;
 }
 
 void Link::recordError(const QString& record, bool counts) {

@@ -1,6 +1,6 @@
-#include "script/junit_recorder.h"
+#include "player/junit_recorder.h"
 
-#include "link/event_pump.h"
+#include "core/event_pump.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"
 

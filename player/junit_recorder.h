@@ -1,6 +1,6 @@
 #pragma once
 
-#include "script/junit_report.h"
+#include "player/junit_report.h"
 
 #include <QDateTime>
 #include <QObject>

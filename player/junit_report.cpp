@@ -1,8 +1,8 @@
-#include "script/junit_report.h"
+#include "player/junit_report.h"
 
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 
-#include "link/output_file.h"
+#include "core/output_file.h"
 
 #include <QXmlStreamWriter>
 

@@ -1,6 +1,6 @@
-#include "script/player_options.h"
+#include "player/player_options.h"
 
-#include "link/host_port.h"
+#include "core/host_port.h"
 #include "link/serial_line.h"
 
 #include <QStringList>

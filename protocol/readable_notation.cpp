@@ -1,6 +1,6 @@
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,6 @@
-#include "link/vmail_frame.h"
+#include "protocol/vmail_frame.h"
 
-#include "link/frame.h"
-#include "link/traffic_log.h"
+#include "protocol/frame.h"
 
 namespace larkspur {
 
@@ -28,10 +27,11 @@ bool layoutOf(const QString& code, VmailLayout& layout) {
 } // namespace
 
 QString build_vmail_message(const QString& code, const QString& field1, const QString& field2,
-                            const QString& protocolType, TrafficLog& log) {
+                            const QString& protocolType, bool& recognized) {
     QString body = code;
     VmailLayout layout{};
-    if (layoutOf(code, layout)) {
+    recognized = layoutOf(code, layout);
+    if (recognized) {
         if (layout.field1 > 0) {
             QString f1 = trimBlanks(field1);
             body += pad_field(f1, layout.field1);
@@ -40,8 +40,6 @@ QString build_vmail_message(const QString& code, const QString& field1, const QS
             QString f2 = field2;
             body += pad_field(f2, layout.field2);
         }
-    } else {
-        log.logLine(QStringLiteral("Unrecognized command!"));
     }
     if (protocolType == u"HYATT")
         pad_field(body, 13);

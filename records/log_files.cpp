@@ -1,9 +1,9 @@
-#include "link/log_files.h"
+#include "records/log_files.h"
 
-#include "link/frame.h"
-#include "link/log_view_list.h"
+#include "protocol/frame.h"
+#include "records/log_view_list.h"
 
-#include "link/output_file.h"
+#include "core/output_file.h"
 
 #include <QFile>
 

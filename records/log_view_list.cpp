@@ -1,4 +1,4 @@
-#include "link/log_view_list.h"
+#include "records/log_view_list.h"
 
 namespace larkspur {
 

@@ -1,4 +1,4 @@
-#include "link/run_statistics.h"
+#include "records/run_statistics.h"
 
 #include <algorithm>
 

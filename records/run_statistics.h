@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/wire_trace.h"
+#include "records/wire_trace.h"
 
 #include <QList>
 #include <QMap>

@@ -1,6 +1,6 @@
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 namespace larkspur {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/log_view_list.h"
+#include "records/log_view_list.h"
 
 #include <QString>
 

@@ -1,8 +1,6 @@
-#include "link/wire_trace.h"
+#include "records/wire_trace.h"
 
-#include "link/event_pump.h"
-#include "link/link.h"
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 
 namespace larkspur {
 
@@ -168,15 +166,6 @@ QString WireTrace::messageType(const QByteArray& frame, bool vmail) {
         if (body.startsWith(t.head))
             return QString::fromLatin1(t.name);
     return QString::fromLatin1(body.left(4)).trimmed();
-}
-
-void traceLink(Link& link, WireTrace& trace) {
-    QObject::connect(&link, &Link::bytesSent, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.sent(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
-    });
-    QObject::connect(&link, &Link::bytesReceived, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.received(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
-    });
 }
 
 } // namespace larkspur

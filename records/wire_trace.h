@@ -25,8 +25,6 @@ struct ExchangeEvent {
     qint64 answerMs = -1; // -1 when it timed out
 };
 
-class Link;
-
 // Every byte sent and received, beside the traffic log (which hides control characters and has
 // no time stamps). Keeps the newest rows in a ring so a long run costs bounded memory; rows are
 // also announced as they come, for a file or a panel.
@@ -69,8 +67,5 @@ private:
     qsizetype m_dropped = 0;
     Pending m_pending;
 };
-
-// Feeds `trace` with every write and read of `link`, stamped with the link's clock.
-void traceLink(Link& link, WireTrace& trace);
 
 } // namespace larkspur

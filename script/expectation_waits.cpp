@@ -2,9 +2,9 @@
 // control names as the receiver spells them, data messages from STX to ETX.
 #include "script/expectation_waits.h"
 
-#include "link/event_pump.h"
-#include "link/frame.h"
-#include "link/operator_interface.h"
+#include "core/event_pump.h"
+#include "core/operator_interface.h"
+#include "protocol/frame.h"
 #include "transactions/field_validation.h"
 #include "transactions/session.h"
 

@@ -1,10 +1,10 @@
 // Plays the script text: one command, then a one-second pause, until its end, a stop or a
 // command it does not know. Positions are 1-based, as the script columns are.
-#include "link/event_pump.h"
-#include "link/frame.h"
-#include "link/operator_interface.h"
-#include "link/pause.h"
-#include "link/readable_notation.h"
+#include "core/event_pump.h"
+#include "core/operator_interface.h"
+#include "core/pause.h"
+#include "protocol/frame.h"
+#include "protocol/readable_notation.h"
 #include "script/expectation_waits.h"
 #include "script/script_commands.h"
 #include "script/script_engine.h"

@@ -1,5 +1,5 @@
 // Recording: the two recording buttons and the expectation lists.
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"

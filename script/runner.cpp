@@ -1,6 +1,6 @@
 // Run Script, Stop Script and CANCEL.
-#include "link/event_pump.h"
-#include "link/operator_interface.h"
+#include "core/event_pump.h"
+#include "core/operator_interface.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
 #include "script/script_file.h"

@@ -1,6 +1,6 @@
 #include "script/script_file.h"
 
-#include "link/termination_signals.h"
+#include "core/termination_signals.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 #include "script/script_reader.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 #include <QByteArrayView>
 

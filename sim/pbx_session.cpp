@@ -1,7 +1,7 @@
 #include "sim/pbx_session.h"
 
-#include "link/frame.h"
-#include "link/readable_notation.h"
+#include "protocol/frame.h"
+#include "protocol/readable_notation.h"
 #include "sim/peer.h"
 #include "sim/tracer.h"
 

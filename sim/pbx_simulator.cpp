@@ -1,7 +1,7 @@
 #include "sim/pbx_simulator.h"
 
-#include "link/host_port.h"
-#include "link/readable_notation.h"
+#include "core/host_port.h"
+#include "protocol/readable_notation.h"
 #include "sim/pbx_session.h"
 #include "sim/pty_peer.h"
 #include "sim/tcp_peer.h"

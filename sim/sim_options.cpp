@@ -1,7 +1,7 @@
 #include "sim/sim_options.h"
 
-#include "link/host_port.h"
-#include "link/readable_notation.h"
+#include "core/host_port.h"
+#include "protocol/readable_notation.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "sim/tracer.h"
 
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 
 #include <QIODevice>
 #include <QTime>

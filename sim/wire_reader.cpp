@@ -1,6 +1,6 @@
 #include "sim/wire_reader.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 namespace larkspur::sim {
 

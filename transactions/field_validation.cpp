@@ -1,6 +1,6 @@
 #include "transactions/field_validation.h"
 
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 
 namespace larkspur {
 

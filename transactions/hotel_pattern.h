@@ -1,7 +1,7 @@
 #pragma once
 
-#include "link/frame.h"
 #include "link/link.h"
+#include "protocol/frame.h"
 #include "transactions/fields.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 // Linked suites: a pilot and up to four member rooms that the PBX treats as one. Each STE
 // button only picks the code; two senders build and send the message.
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 #include "transactions/field_validation.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"
@@ -62,12 +62,12 @@ const QString invalidPilot = QStringLiteral("Invalid link suite pilot number!");
 } // namespace
 
 void Session::send_linked_suite(const QString& code) {
-    std::vector<SuiteField> fields{
+    std::vector<SuiteField> suiteFields{
         {pilotForm(*this, Field::txt_ls_pilot), QStringLiteral(" "), invalidPilot}};
     for (int i = 0; i < 4; ++i)
-        fields.push_back({memberForm(*this, roomFields[i]), QString(),
-                          QStringLiteral("Invalid member number %1!").arg(i + 1)});
-    sendSuite(*this, code, fields);
+        suiteFields.push_back({memberForm(*this, roomFields[i]), QString(),
+                               QStringLiteral("Invalid member number %1!").arg(i + 1)});
+    sendSuite(*this, code, suiteFields);
 }
 
 void Session::send_linked_suite_pilot(const QString& code) {

@@ -1,6 +1,6 @@
 // Room features: the message-waiting lamp, the credit limit, the wake-up call and the station
 // restriction level. They never look at the mode; their controls are hidden in voice-mail mode.
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 #include "transactions/field_validation.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"

@@ -1,11 +1,11 @@
 #include "transactions/session.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 namespace larkspur {
 
-Session::Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial)
-    : pump(pump), operatorInterface(op), link(pump, log, op, tcp, serial) {
+Session::Session(EventPump& eventPump, OperatorInterface& op, Transport& tcp, Transport& serial)
+    : pump(eventPump), operatorInterface(op), link(eventPump, log, op, tcp, serial) {
     connect(&link, &Link::recordingStopped, this, [this] { recording = false; });
     connect(&link, &Link::connected, this, [this] {
         controls.setEnabled(QStringLiteral("cmd_connect"), false);

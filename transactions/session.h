@@ -1,7 +1,7 @@
 #pragma once
 
 #include "link/link.h"
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 #include "transactions/controls.h"
 #include "transactions/fields.h"
 

@@ -1,6 +1,6 @@
 #include "transactions/voice_mail.h"
 
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 #include "transactions/session.h"
 
 #include <iterator>

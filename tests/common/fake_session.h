@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/recording_operator.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "transactions/session.h"
 
 namespace larkspur::test {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "common/recording_operator.h"
-#include "link/fake_pbx.h"
-#include "link/fake_transport.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_pbx.h"
+#include "doubles/fake_transport.h"
 #include "link/link.h"
-#include "link/traffic_log.h"
-#include "link/virtual_event_pump.h"
+#include "records/traffic_log.h"
 
 #include <gtest/gtest.h>
 

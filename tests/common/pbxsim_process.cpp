@@ -1,6 +1,6 @@
 #include "common/pbxsim_process.h"
 
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>

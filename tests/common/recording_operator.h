@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/qt_printers.h"
-#include "link/operator_interface.h"
+#include "core/operator_interface.h"
 
 #include <QStringList>
 

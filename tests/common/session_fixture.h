@@ -2,7 +2,7 @@
 
 #include "common/fake_session.h"
 #include "common/link_fixture.h"
-#include "link/frame.h"
+#include "protocol/frame.h"
 #include "transactions/session.h"
 
 #include <utility>

@@ -3,8 +3,8 @@
 #include "common/fake_session.h"
 #include "common/recording_operator.h"
 #include "console/main_window.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"
 

@@ -3,8 +3,8 @@
 #include "console/comm_port_dialog.h"
 #include "console/ip_control.h"
 #include "console/telnet_dialog.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "transactions/session.h"
 
 #include <QComboBox>

@@ -3,8 +3,8 @@
 #include "console/line_view.h"
 #include "console/log_commands.h"
 #include "console/log_view.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "transactions/session.h"
 
 #include <QFile>

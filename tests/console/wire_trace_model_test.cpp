@@ -1,6 +1,6 @@
 #include "common/qt_printers.h"
 #include "console/wire_trace_model.h"
-#include "link/wire_trace.h"
+#include "records/wire_trace.h"
 
 #include <QAbstractItemModelTester>
 #include <QTableView>

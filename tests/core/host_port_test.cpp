@@ -1,5 +1,5 @@
 #include "common/qt_printers.h"
-#include "link/host_port.h"
+#include "core/host_port.h"
 
 #include <gtest/gtest.h>
 

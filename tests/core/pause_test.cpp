@@ -1,5 +1,5 @@
-#include "link/pause.h"
-#include "link/virtual_event_pump.h"
+#include "core/pause.h"
+#include "core/virtual_event_pump.h"
 
 #include <gtest/gtest.h>
 

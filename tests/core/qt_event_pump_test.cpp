@@ -1,5 +1,5 @@
-#include "link/pause.h"
-#include "link/qt_event_pump.h"
+#include "core/pause.h"
+#include "core/qt_event_pump.h"
 
 #include <QTimer>
 #include <gtest/gtest.h>

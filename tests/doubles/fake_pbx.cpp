@@ -1,7 +1,7 @@
-#include "link/fake_pbx.h"
+#include "doubles/fake_pbx.h"
 
-#include "link/fake_transport.h"
-#include "link/frame.h"
+#include "doubles/fake_transport.h"
+#include "protocol/frame.h"
 
 namespace larkspur {
 

@@ -1,6 +1,6 @@
-#include "link/fake_transport.h"
+#include "doubles/fake_transport.h"
 
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
 
 namespace larkspur {
 

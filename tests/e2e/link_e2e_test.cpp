@@ -1,11 +1,11 @@
 // The link against the real simulator process, over loopback TCP and over a pty pair.
 #include "common/pbxsim_process.h"
 #include "common/recording_operator.h"
+#include "core/qt_event_pump.h"
 #include "link/link.h"
-#include "link/qt_event_pump.h"
 #include "link/serial_transport.h"
 #include "link/tcp_transport.h"
-#include "link/traffic_log.h"
+#include "records/traffic_log.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // larkspur-run against the real simulator over loopback TCP: exit statuses and output.
 #include "common/pbxsim_process.h"
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -2,7 +2,7 @@
 // the session meant to send.
 #include "common/pbxsim_process.h"
 #include "common/recording_operator.h"
-#include "link/qt_event_pump.h"
+#include "core/qt_event_pump.h"
 #include "link/serial_transport.h"
 #include "link/tcp_transport.h"
 #include "transactions/session.h"

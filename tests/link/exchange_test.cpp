@@ -1,5 +1,5 @@
 #include "common/link_fixture.h"
-#include "link/pause.h"
+#include "core/pause.h"
 
 using namespace larkspur;
 using namespace larkspur::test;

@@ -1,6 +1,6 @@
 #include "common/link_fixture.h"
 
-#include "link/frame.h"
+#include "protocol/frame.h"
 
 using namespace larkspur;
 using namespace larkspur::test;

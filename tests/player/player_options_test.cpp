@@ -1,5 +1,5 @@
 #include "common/qt_printers.h"
-#include "script/player_options.h"
+#include "player/player_options.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
-#include "link/frame.h"
-#include "link/traffic_log.h"
-#include "link/vmail_frame.h"
+#include "protocol/frame.h"
+#include "protocol/vmail_frame.h"
 
 #include <gtest/gtest.h>
 
@@ -83,20 +82,20 @@ TEST(VmailFrame, BodyLayoutByCodeAndProtocol) {
         {"7", "400123", "1234", "HYATT", "74001231234  "},
     };
     for (auto& c : cases) {
-        TrafficLog log;
-        const QString frame = build_vmail_message(c.code, c.f1, c.f2, c.protocol, log);
+        bool recognized = false;
+        const QString frame = build_vmail_message(c.code, c.f1, c.f2, c.protocol, recognized);
         EXPECT_EQ(frame, stx() + c.body + etx() + CRC(c.body + etx()))
             << c.code.toStdString() << " " << c.protocol.toStdString();
-        EXPECT_TRUE(log.logText().isEmpty());
+        EXPECT_TRUE(recognized);
     }
 }
 
 TEST(VmailFrame, WorkedExampleCheckCharacter) {
-    TrafficLog log;
-    const QString frame = build_vmail_message("1", "", "", "HIS", log);
+    bool recognized = false;
+    const QString frame = build_vmail_message("1", "", "", "HIS", recognized);
     EXPECT_EQ(frame, stx() + "1" + etx() + "2");
 
-    const QString f = build_vmail_message("2", " 4001 ", "", "HIS", log);
+    const QString f = build_vmail_message("2", " 4001 ", "", "HIS", recognized);
     ASSERT_EQ(f.size(), 1 + 7 + 1 + 1);
     int bcc = 3;
     for (QChar c : QString("24001  "))
@@ -104,24 +103,23 @@ TEST(VmailFrame, WorkedExampleCheckCharacter) {
     EXPECT_EQ(f.back().unicode(), bcc);
 }
 
-TEST(VmailFrame, UnknownCodeIsLoggedAndStillFramed) {
-    TrafficLog log;
-    const QString frame = build_vmail_message("Z", "4001", "12", "HYATT", log);
-    EXPECT_EQ(log.logText(), QString("Unrecognized command!\r\n"));
+TEST(VmailFrame, UnknownCodeIsFlaggedAndStillFramed) {
+    bool recognized = true;
+    const QString frame = build_vmail_message("Z", "4001", "12", "HYATT", recognized);
+    EXPECT_FALSE(recognized);
     const QString body = "Z            ";
     EXPECT_EQ(frame, stx() + body + etx() + CRC(body + etx()));
 
-    TrafficLog log2;
-    EXPECT_EQ(build_vmail_message("a", "4001", "", "HIS", log2),
+    EXPECT_EQ(build_vmail_message("a", "4001", "", "HIS", recognized),
               stx() + "a" + etx() + CRC("a" + etx()))
         << "codes are matched exactly, case included";
 }
 
 TEST(VmailFrame, FieldOneLosesBlanksOnlyNotOtherWhiteSpace) {
-    TrafficLog log;
-    EXPECT_EQ(build_vmail_message("2", " \t4001 ", "", "HIS", log),
+    bool recognized = false;
+    EXPECT_EQ(build_vmail_message("2", " \t4001 ", "", "HIS", recognized),
               stx() + "2\t4001 " + etx() + CRC("2\t4001 " + etx()));
-    EXPECT_EQ(build_vmail_message("7", "  4001  ", " 12 ", "HIS", log),
+    EXPECT_EQ(build_vmail_message("7", "  4001  ", " 12 ", "HIS", recognized),
               stx() + "74001   12   " + etx() + CRC("74001   12   " + etx()));
 }
 

@@ -1,6 +1,6 @@
 #include "common/qt_printers.h"
-#include "link/log_files.h"
-#include "link/log_view_list.h"
+#include "records/log_files.h"
+#include "records/log_view_list.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,6 +1,7 @@
 #include "common/link_fixture.h"
-#include "link/run_statistics.h"
-#include "link/wire_trace.h"
+#include "link/link_trace.h"
+#include "records/run_statistics.h"
+#include "records/wire_trace.h"
 
 using namespace larkspur;
 using namespace larkspur::test;

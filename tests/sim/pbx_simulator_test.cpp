@@ -1,5 +1,5 @@
 #include "common/pbxsim_process.h"
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 #include "sim/pbx_simulator.h"
 #include "sim/tracer.h"
 

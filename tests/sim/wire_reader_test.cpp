@@ -1,4 +1,4 @@
-#include "link/readable_notation.h"
+#include "protocol/readable_notation.h"
 #include "sim/wire_reader.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "common/fake_session.h"
 #include "common/recording_operator.h"
-#include "link/fake_transport.h"
-#include "link/virtual_event_pump.h"
+#include "core/virtual_event_pump.h"
+#include "doubles/fake_transport.h"
 #include "transactions/session.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,18 @@
+#include "link/link_trace.h"
+
+#include "core/event_pump.h"
+#include "link/link.h"
+#include "records/wire_trace.h"
+
+namespace larkspur {
+
+void traceLink(Link& link, WireTrace& trace) {
+    QObject::connect(&link, &Link::bytesSent, &trace, [&link, &trace](const QByteArray& bytes) {
+        trace.sent(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
+    });
+    QObject::connect(&link, &Link::bytesReceived, &trace, [&link, &trace](const QByteArray& bytes) {
+        trace.received(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
+    });
+}
+
+} // namespace larkspur

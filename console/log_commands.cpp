@@ -7,7 +7,7 @@
 namespace larkspur {
 
 void cmd_save_log(Session& session) {
-    if (session.link.waitingForAck)
+    if (session.link.waitingForAck())
         return;
     const QString path = session.operatorInterface.chooseFileToSave(logFileFilter);
     if (!path.isEmpty())
@@ -15,14 +15,14 @@ void cmd_save_log(Session& session) {
 }
 
 bool cmd_open_logfile(Session& session) {
-    if (session.link.waitingForAck)
+    if (session.link.waitingForAck())
         return false;
     const QString path = session.operatorInterface.chooseFileToOpen(logFileFilter);
     return !path.isEmpty() && appendLogFile(path, session.log.viewerList());
 }
 
 void cmd_new_error_file(Session& session) {
-    session.link.errorReport.clear();
+    session.errors.clearReport();
     session.log.viewerList().clear();
 }
 

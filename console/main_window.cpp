@@ -133,7 +133,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         // stop and the window closes once the outermost has returned.
         m_closePending = true;
         m_session.pump.requestStop();
-        m_session.stopScript = true;
+        m_session.requestScriptStop();
         return;
     }
     Form_Unload();

@@ -104,7 +104,7 @@ void MainWindow::wireCommands() {
     onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
 
     onChoose("cmb_restrict", [this](const QString& item) {
-        m_session.cmb_restrict = item;
+        m_session.chooseRestriction(item);
         m_session.cmb_restrict_Click();
     });
     onChoose("cmb_wait", [this](const QString& item) { m_engine.cmb_wait_Click(item); });

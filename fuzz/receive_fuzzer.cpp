@@ -71,10 +71,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const bool carrier = (how & 2) && !overTcp;
         FakeTransport& from = overTcp ? rig.tcp : rig.serial;
 
-        const QString before = link.lastControl;
+        const QString before = link.lastControl();
         const qsizetype tcpWrites = rig.tcp.written.size();
         const qsizetype serialWrites = rig.serial.written.size();
-        link.ackReceived = false;
+        link.clearAckReceived();
 
         if (carrier)
             rig.pump.schedule(100, [&rig] { Q_EMIT rig.serial.carrierDetectChanged(); });
@@ -99,8 +99,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         rig.pump.advance(100);
         rig.pump.processEvents();
         FUZZ_CHECK(!rig.pump.hasPendingDeliveries(), "every read is handled");
-        FUZZ_CHECK(link.ackReceived, "every read wakes the waits");
-        FUZZ_CHECK(!link.waitingForAck, "no wait is left running");
+        FUZZ_CHECK(link.ackReceived(), "every read wakes the waits");
+        FUZZ_CHECK(!link.waitingForAck(), "no wait is left running");
 
         // Automatic answers: at most one per read, a single ACK, and never to a serial ENQ.
         const qsizetype answers =
@@ -114,7 +114,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             FUZZ_CHECK(answers == 0, "a serial ENQ is only logged");
 
         // lastControl names the message, or is the message as received.
-        const QString& now = link.lastControl;
+        const QString& now = link.lastControl();
         if (carrier) {
             FUZZ_CHECK(now == u"Comm Event Fired ", "carrier detect names itself");
         } else {

@@ -122,7 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FakePbx pbx{active};
     pbx.onEnq = answerOf(play >> 1);
     pbx.onFrame = answerOf(play >> 3);
-    session.errorMode = play & 32;
+    session.chk_error_Click(play & 32);
     engine.Continuous = play & 1;
 
     const auto answerFrame = active.onWrite;
@@ -146,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool closing = pbxSends & 4;
     const auto stop = [&] {
         stopped = true;
-        session.stopScript = true;
+        session.requestScriptStop();
         if (closing)
             pump.requestStop();
     };
@@ -176,7 +176,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                       .arg(int(outcome))
                                       .arg(commands)
                                       .arg(pump.elapsedMs()));
-    FUZZ_CHECK(!engine.running() && !session.link.waitingForAck, "nothing is left running");
+    FUZZ_CHECK(!engine.running() && !session.link.waitingForAck(), "nothing is left running");
     FUZZ_CHECK(isLogText(session.log.logText()), "the log holds only 32..122 and CR LF pairs");
     for (const FakeTransport* t : {&tcp, &serial})
         for (const QByteArray& w : t->written)
@@ -185,7 +185,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
         FUZZ_CHECK(!engine.Continuous, "a Continuous script never completes");
-        FUZZ_CHECK(op.lastNotice.startsWith(session.link.errorCount < 1
+        FUZZ_CHECK(op.lastNotice.startsWith(session.errors.errorCount() < 1
                                                 ? QStringLiteral("Script file completed")
                                                 : QStringLiteral("Script file ended!")),
                    "completion is told");

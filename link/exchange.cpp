@@ -32,80 +32,76 @@ bool Link::interrupted() const {
 }
 
 void Link::wait_for_ack(bool show) {
-    ackReceived = false;
-    waitingForAck = true;
-    ackFailed = false;
-
-    // Compared in single precision, and not corrected for midnight: a wait that starts in the
-    // last 5 s of the day ends only on an answer.
-    const float deadline = float(m_pump.secondsSinceMidnight() + ackTimeoutSeconds);
+    m_ackReceived = false;
+    m_ackFailed = false;
     bool timedOut = false;
-    for (;;) {
-        m_pump.processEvents();
-        if (ackReceived)
-            break;
-        if (interrupted()) {
-            waitingForAck = false;
-            ackFailed = true;
-            return;
+    {
+        const WaitGuard busy(*this);
+        // Compared in single precision, and not corrected for midnight: a wait that starts in
+        // the last 5 s of the day ends only on an answer.
+        const float deadline = float(m_pump.secondsSinceMidnight() + ackTimeoutSeconds);
+        for (;;) {
+            m_pump.processEvents();
+            if (m_ackReceived)
+                break;
+            if (interrupted()) {
+                m_ackFailed = true;
+                return;
+            }
+            if (deadline < float(m_pump.secondsSinceMidnight())) {
+                timedOut = true;
+                break;
+            }
+            pause_seconds(m_pump, ackPollStepSeconds);
         }
-        if (deadline < float(m_pump.secondsSinceMidnight())) {
-            timedOut = true;
-            break;
-        }
-        pause_seconds(m_pump, ackPollStepSeconds);
     }
-    waitingForAck = false;
 
     if (timedOut) {
         if (show)
             m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
-        ackFailed = true;
-    } else if (lastControl != u"ACK") {
+        m_ackFailed = true;
+    } else if (m_lastControl != u"ACK") {
         if (show) {
             m_log.logLine(QStringLiteral("ERROR: DID NOT RECIEVE ACK FROM PBX"));
-            m_log.logLine(QStringLiteral("       -> RECEIVED ") + lastControl +
+            m_log.logLine(QStringLiteral("       -> RECEIVED ") + m_lastControl +
                           QStringLiteral(" INSTEAD"));
         }
-        ackFailed = true;
+        m_ackFailed = true;
     }
 }
 
 bool Link::poll_for_ack(bool show) {
-    waitingForAck = true;
-    for (int attempt = 1; attempt <= pollAttempts; ++attempt) {
-        m_pump.processEvents();
-        // Not cleared first: whatever the receiver recorded last answers the poll.
-        if (lastControl == u"ACK") {
-            waitingForAck = false;
-            return true;
+    {
+        const WaitGuard busy(*this);
+        for (int attempt = 1; attempt <= pollAttempts; ++attempt) {
+            m_pump.processEvents();
+            // Not cleared first: whatever the receiver recorded last answers the poll.
+            if (m_lastControl == u"ACK")
+                return true;
+            if (interrupted())
+                return false;
+            pause_seconds(m_pump, 1.0f);
         }
-        if (interrupted()) {
-            waitingForAck = false;
-            return false;
-        }
-        pause_seconds(m_pump, 1.0f);
     }
-    waitingForAck = false;
     if (show)
         m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
     return false;
 }
 
 void Link::send_enq() {
-    if (waitingForAck)
+    if (m_waitingForAck)
         return;
     for (int attempt = 1; attempt <= enqAttempts; ++attempt) {
         m_log.logLine(QStringLiteral("Sending -->    ENQ"));
         send_text(enqText());
         wait_for_ack(false);
-        if (!ackFailed || interrupted())
+        if (!m_ackFailed || interrupted())
             return;
     }
 }
 
 bool Link::send_enq_counted(qint16& attemptsLeft) {
-    if (waitingForAck)
+    if (m_waitingForAck)
         return false;
     for (;;) {
         m_log.logLine(QStringLiteral("Sending -->    ENQ"));

@@ -27,42 +27,50 @@ struct LinkSettings {
     bool nullDiscard = false;
 };
 
-// What differs between the hotel transactions in the shared send sequence.
-struct HotelMessageRule {
-    QString logPrefix;              // "Sending     -->", each with its own blanks
-    QString failureSentence;        // "-> PBX DID NOT ACKnowkledge the Check in message:"
-    bool ackNeedsPoll = false;      // check-in also polls and judges by the last control
-    bool enqFailureCounts = true;   // restriction and linked suites leave errorCount alone
-    bool enqFailureLogTimed = true; // restriction logs the ENQ failure without the time
-};
-
-// The PBX link: the two transports, the ENQ/ACK exchange, the receivers and the flags they share.
-// The flags keep the names the whole console uses for them.
+// The PBX link: the two transports, the ENQ/ACK exchange and the receivers. The receivers
+// record what the PBX answered; the waits judge it. The flags keep the names the whole console
+// uses for them and are written only here.
 class Link : public QObject {
     Q_OBJECT
 public:
     // Lost: the link went away during the connection test.
     enum class ConnectResult { Connected, NoResponse, NotOpened, Lost };
-    // AcknowledgedByStaleAck: a check-in whose frame the PBX never answered, counted as
-    // acknowledged by the ACK its ENQ left behind. Interrupted: the link was lost or the console
-    // is closing; the sequence ended where it stood.
-    enum class SendResult { Acknowledged, AcknowledgedByStaleAck, Failed, Interrupted };
-    Q_ENUM(SendResult)
+
+    // Marks the link busy for as long as it lives: a second transaction, a recording button or
+    // a guarded manual command does nothing meanwhile. Clears the mark when it ends.
+    class WaitGuard {
+    public:
+        explicit WaitGuard(Link& link) : m_link(link) { m_link.m_waitingForAck = true; }
+        ~WaitGuard() { m_link.m_waitingForAck = false; }
+        WaitGuard(const WaitGuard&) = delete;
+        WaitGuard& operator=(const WaitGuard&) = delete;
+
+    private:
+        Link& m_link;
+    };
 
     Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
          Transport& serial);
 
-    // Shared state read and written by the senders, the receivers and the waits.
     QString pmsMode = QStringLiteral("HOTEL");
     QString protocolType = QStringLiteral("HYATT");
     LinkSettings settings;
-    bool waitingForAck = false;
-    bool ackReceived = false;
-    QString lastControl;
-    bool ackFailed = false;
-    bool vmailAcked = false;
-    qint16 errorCount = 0;
-    QString errorReport;
+
+    // A wait or a transaction is running.
+    bool waitingForAck() const { return m_waitingForAck; }
+    // Something arrived since the last wait started.
+    bool ackReceived() const { return m_ackReceived; }
+    // The last thing the PBX answered: "ACK", "NAK", "ENQ", "RTI", or a message's text.
+    const QString& lastControl() const { return m_lastControl; }
+    // The last wait_for_ack ended without an ACK.
+    bool ackFailed() const { return m_ackFailed; }
+    // An ACK arrived in voice-mail mode since expectVmailAck.
+    bool vmailAcked() const { return m_vmailAcked; }
+
+    // An expected-message wait has looked at what arrived; only what comes next counts.
+    void clearAckReceived() { m_ackReceived = false; }
+    // A voice-mail frame is about to go: only an ACK that answers it counts.
+    void expectVmailAck() { m_vmailAcked = false; }
 
     EventPump& pump() { return m_pump; }
     TrafficLog& log() { return m_log; }
@@ -77,17 +85,6 @@ public:
     bool poll_for_ack(bool show);
     void send_enq();
     bool send_enq_counted(qint16& attemptsLeft);
-
-    // The hotel sequence for one message after the caller's guard: ENQ, then the frame until
-    // acknowledged. `attempt` is shared by every message of one click. The failure lines show
-    // `reportedText`, which is the body but for the wake-up call.
-    SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt);
-    SendResult sendHotelMessage(const HotelMessageRule& rule, const QString& body, int& attempt,
-                                const QString& reportedText);
-    // The voice-mail sequence: send the frame, pause 2 s, report the ACK (Failed: none came).
-    SendResult sendVmailFrame(const QString& frame, const QString& logLine, bool logSuccess);
-    // Appends a record to errorReport and, when it `counts`, to errorCount.
-    void recordError(const QString& record, bool counts);
 
     // The transport went away since the last connect (the PBX hung up, the device vanished).
     bool lost() const { return m_lost; }
@@ -127,8 +124,6 @@ Q_SIGNALS:
     void bytesReceived(const QByteArray& bytes);
     // The transport went away; every wait ends and the controls go to the disconnected state.
     void linkLost(const QString& reason);
-    // A record was added to errorReport.
-    void errorRecorded(const QString& record);
     void linkWarning(const QString& text);
 
 private:
@@ -144,6 +139,11 @@ private:
     OperatorInterface& m_operator;
     Transport& m_tcp;
     Transport& m_serial;
+    bool m_waitingForAck = false;
+    bool m_ackReceived = false;
+    QString m_lastControl;
+    bool m_ackFailed = false;
+    bool m_vmailAcked = false;
     bool m_connectAborted = false;
     bool m_lost = false;
 };

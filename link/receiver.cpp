@@ -35,20 +35,20 @@ bool needsAck(const QString& text) {
 } // namespace
 
 void Link::onSerialCarrierDetect() {
-    ackReceived = true;
+    m_ackReceived = true;
     m_log.logLine(QStringLiteral(" Comm Event Fired 5"));
-    lastControl = QStringLiteral("Comm Event Fired ");
+    m_lastControl = QStringLiteral("Comm Event Fired ");
 }
 
 void Link::onSerialData() {
-    ackReceived = true;
+    m_ackReceived = true;
     const QByteArray bytes = m_serial.readAll();
     Q_EMIT bytesReceived(bytes);
     receive(QString::fromLatin1(bytes), Receiver::Serial);
 }
 
 void Link::onTcpData() {
-    ackReceived = true;
+    m_ackReceived = true;
     const QByteArray bytes = m_tcp.readAll();
     Q_EMIT bytesReceived(bytes);
     const QString text = trimBlanks(QString::fromLatin1(bytes));
@@ -91,25 +91,26 @@ void Link::receive(QString text, Receiver receiver) {
     if (isOne(text, ctl::ACK)) {
         m_log.logLine(pmsMode == u"HOTEL" ? received + QStringLiteral("ACK")
                                           : QStringLiteral("PBX ACKed"));
-        lastControl = QStringLiteral("ACK");
-        vmailAcked = true;
+        m_lastControl = QStringLiteral("ACK");
+        m_vmailAcked = true;
     } else if (isOne(text, ctl::ENQ)) {
         m_log.logLine(received + QStringLiteral("ENQ"));
-        lastControl = QStringLiteral("ENQ");
+        m_lastControl = QStringLiteral("ENQ");
         // Over TCP the PBX's line bid is granted at once; over serial it is only logged.
         if (answered)
             logAnswer();
     } else if (isOne(text, ctl::NAK)) {
         m_log.logLine(received + QStringLiteral("NAK"));
-        lastControl = QStringLiteral("NAK");
+        m_lastControl = QStringLiteral("NAK");
     } else if (text == rqinz()) {
         m_log.logLine(received + QStringLiteral("RQINZ     "));
-        lastControl = receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");
+        m_lastControl =
+            receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");
     } else if (receiver == Receiver::Tcp && text.isEmpty()) {
         // Nothing but blanks arrived over TCP: not logged, lastControl kept.
     } else {
         m_log.logLine(received + text);
-        lastControl = text;
+        m_lastControl = text;
         if (answered)
             logAnswer();
     }

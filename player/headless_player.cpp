@@ -92,7 +92,7 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
     s.nullDiscard = o.nullDiscard;
     session.link.pmsMode = o.mode.value_or(script.pmsMode);
     session.link.protocolType = o.protocol.value_or(script.protocolType);
-    session.errorMode = o.errorMode;
+    session.chk_error_Click(o.errorMode);
 }
 
 // "TCP 127.0.0.1:15374", "serial /dev/ttyS0".
@@ -227,7 +227,7 @@ int HeadlessRun::play(const ScriptText& script) {
     // A signal acts as CANCEL after every command, so the run ends after the one in progress.
     QObject::connect(&m_engine, &ScriptEngine::commandFinished, [this] {
         if (m_signals > 0)
-            m_session.stopScript = true;
+            m_session.requestScriptStop();
     });
     QObject::connect(
         &m_engine, &ScriptEngine::unrecognizedCommand, [](int line, const QString& why) {
@@ -274,7 +274,7 @@ void HeadlessRun::onSignal() {
     // A first signal acts as CANCEL (and keeps acting after each command); a second one, or one
     // before the script plays, ends every wait at once.
     ++m_signals;
-    m_session.stopScript = true;
+    m_session.requestScriptStop();
     if (m_signals > 1 || !m_playing)
         m_pump.requestStop();
 }
@@ -307,7 +307,7 @@ void HeadlessRun::writeReports() {
     const QString& saveLog = m_options.saveLog;
     if (!saveLog.isEmpty() && !saveLogFile(saveLog, m_session.log.viewerList()))
         printError(QStringLiteral("cannot write the log file %1").arg(saveLog));
-    const QByteArray errors = m_session.link.errorReport.toLatin1();
+    const QByteArray errors = m_session.errors.errorReport().toLatin1();
     QString why;
     if (!m_options.errorReport.isEmpty() &&
         !writeWholeFile(
@@ -326,7 +326,7 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) {
         return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        return m_session.link.errorCount == 0 ? exitcode::ok : exitcode::transactionsFailed;
+        return m_session.errors.errorCount() == 0 ? exitcode::ok : exitcode::transactionsFailed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:

@@ -16,7 +16,7 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine, JunitReport
                 fail(QStringLiteral("the script stops here: ") + why);
             });
     connect(&engine, &ScriptEngine::runFinished, this, &JunitRecorder::finish);
-    connect(&session.link, &Link::errorRecorded, this,
+    connect(&session.errors, &ErrorRecords::errorRecorded, this,
             [this](const QString& record) { fail(record.trimmed()); });
     connect(&session.link, &Link::linkLost, this,
             [this](const QString& reason) { fail(QStringLiteral("link lost: ") + reason); });
@@ -24,21 +24,21 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine, JunitReport
         fail(QStringLiteral("the wait for %1 was stopped before it ended").arg(item));
     });
     connect(&session, &Session::transactionEnded, this,
-            [this](Link::SendResult result, const QString& message) {
+            [this](SendResult result, const QString& message) {
                 switch (result) {
-                case Link::SendResult::Acknowledged:
+                case SendResult::Acknowledged:
                     break;
-                case Link::SendResult::AcknowledgedByStaleAck:
+                case SendResult::AcknowledgedByStaleAck:
                     fail(QStringLiteral("the PBX never acknowledged %1; the check-in counted the "
                                         "ACK its ENQ left behind")
                              .arg(message));
                     break;
-                case Link::SendResult::Failed:
+                case SendResult::Failed:
                     // A hotel failure has its error record already; a voice-mail one has none.
                     if (m_case && m_case->failure.isEmpty())
                         fail(QStringLiteral("the PBX did not acknowledge %1").arg(message));
                     break;
-                case Link::SendResult::Interrupted:
+                case SendResult::Interrupted:
                     fail(QStringLiteral("interrupted before the PBX acknowledged %1").arg(message));
                     break;
                 }

@@ -49,14 +49,14 @@ int waitSeconds(QString& digit) {
 
 bool matches(const Session& session, const QString& item) {
     const Link& link = session.link;
-    if (link.lastControl == item)
+    if (link.lastControl() == item)
         return true;
     const RoomItem* expected = roomItem(item);
     if (!expected)
         return false;
     const QString room =
         verify_string(session.fields.text(Field::txt_suite_1), 5, QStringLiteral("R"));
-    return link.lastControl ==
+    return link.lastControl() ==
            start_of_text() + QLatin1String(expected->expected) + room + end_of_text();
 }
 } // namespace
@@ -75,8 +75,8 @@ QString recordedExpectation(const QString& item, const QString& room, bool withN
 void runExpectationWait(Session& session, WaitKind kind, const QString& item, QString digit) {
     Link& link = session.link;
     EventPump& pump = session.pump;
-    link.waitingForAck = true;
-    link.ackReceived = false;
+    const Link::WaitGuard busy(link);
+    link.clearAckReceived();
     const int seconds = waitSeconds(digit);
     const double deadline = pump.secondsSinceMidnight() + seconds;
     const QDateTime started = pump.currentDateTime();
@@ -88,29 +88,30 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
     enum class End { Success, TimedOut, Stopped } end;
     for (;;) {
         pump.processEvents();
-        if (link.ackReceived && matches(session, item)) {
+        if (link.ackReceived() && matches(session, item)) {
             end = End::Success;
             break;
         }
-        if (link.ackReceived) {
+        if (link.ackReceived()) {
             if (plain) {
                 session.log.logLine(QStringLiteral("ERROR occurred: did not recieve --> ") + item +
                                     carriage_return() + QStringLiteral("but recieved --> ") +
-                                    link.lastControl);
-                link.recordError(Time_of_error(pump.currentDateTime()) +
-                                     QStringLiteral(": ERROR occurred while waiting for --> ") +
-                                     item + QStringLiteral("\nbut instead receieved --> ") +
-                                     link.lastControl + QStringLiteral("\n\n"),
-                                 false);
+                                    link.lastControl());
+                session.errors.recordError(
+                    Time_of_error(pump.currentDateTime()) +
+                        QStringLiteral(": ERROR occurred while waiting for --> ") + item +
+                        QStringLiteral("\nbut instead receieved --> ") + link.lastControl() +
+                        QStringLiteral("\n\n"),
+                    false);
             }
-            link.ackReceived = false;
+            link.clearAckReceived();
         }
         const double now = pump.secondsSinceMidnight();
         if (seconds != 0 && now > deadline) {
             end = End::TimedOut;
             break;
         }
-        if (session.stopScript || link.interrupted()) {
+        if (session.stopScript() || link.interrupted()) {
             end = End::Stopped;
             break;
         }
@@ -125,24 +126,23 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
         session.operatorInterface.notify(success);
         session.log.logLine(success);
         const QString room = session.fields.text(Field::txt_suite_1);
-        session.record(
+        session.recorder.record(
             (plain ? QStringLiteral("WAIT ") : QStringLiteral("NTFY ")) +
             recordedExpectation(item, verify_string(room, 5, QStringLiteral("R")), !plain) +
             QLatin1Char(' ') + digit);
     } else if (end == End::TimedOut) {
         session.log.logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
-        link.recordError(Time_of_error(pump.currentDateTime()) +
-                             QStringLiteral(": Time expired.  Did not receive--> ") + item +
-                             QStringLiteral("\n\n"),
-                         false);
+        session.errors.recordError(Time_of_error(pump.currentDateTime()) +
+                                       QStringLiteral(": Time expired.  Did not receive--> ") +
+                                       item + QStringLiteral("\n\n"),
+                                   false);
     }
     if (end != End::Stopped)
         Q_EMIT session.expectationEnded(item, end == End::Success,
                                         started.msecsTo(pump.currentDateTime()));
     else
         Q_EMIT session.expectationStopped(item);
-    link.waitingForAck = false;
-    session.stopScript = false;
+    session.clearScriptStop();
 }
 
 } // namespace larkspur

@@ -66,8 +66,8 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
         // Closing the console asks for a stop too: a wait it ended has cleared stopScript, and
         // every later wait would return at once, so a Continuous script would never end.
         // A lost link stops the script as a disconnect does.
-        if (s.stopScript || s.link.interrupted()) {
-            s.stopScript = false;
+        if (s.stopScript() || s.link.interrupted()) {
+            s.clearScriptStop();
             s.log.logLine(QStringLiteral("Script cancelled..."));
             return RunOutcome::Cancelled;
         }
@@ -138,12 +138,12 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
             }
         } else if (word == end_of_text()) {
             if (!Continuous) {
-                if (s.link.errorCount < 1)
+                if (s.errors.errorCount() < 1)
                     s.operatorInterface.notify(QStringLiteral("Script file completed"));
                 else
                     s.operatorInterface.notify(
                         QStringLiteral("Script file ended!") + carriage_return() +
-                        QStringLiteral(" There were %1 Errors").arg(s.link.errorCount) +
+                        QStringLiteral(" There were %1 Errors").arg(s.errors.errorCount()) +
                         carriage_return() + QStringLiteral("View Log for details"));
                 restoreButtonsAfterRun();
                 return RunOutcome::Completed;
@@ -163,9 +163,9 @@ ScriptEngine::RunOutcome ScriptEngine::stopOnUnrecognized(const QString& command
     Session& s = m_session;
     Q_EMIT unrecognizedCommand(fileLine, why);
     s.operatorInterface.notify(QStringLiteral("Command: ") + command);
-    s.link.recordError(Time_of_error(s.pump.currentDateTime()) +
-                           QStringLiteral("-> Script File Corrupt:\n\n\n"),
-                       false);
+    s.errors.recordError(Time_of_error(s.pump.currentDateTime()) +
+                             QStringLiteral("-> Script File Corrupt:\n\n\n"),
+                         false);
     s.log.logLine(QStringLiteral("Script file error! Unrecognized command"));
     restoreButtonsAfterRun();
     s.log.logLine(QStringLiteral("Script Cancelled!"));

@@ -37,27 +37,27 @@ const QStringList& ScriptEngine::expectationItems() {
 
 void ScriptEngine::cmd_start_script() {
     Session& s = m_session;
-    if (s.link.waitingForAck || !linkIsUp(s))
+    if (s.link.waitingForAck() || !linkIsUp(s))
         return;
     s.controls.setEnabled(QStringLiteral("cmd_start_script"), false);
     s.controls.setEnabled(QStringLiteral("cmd_end_script"), true);
     s.controls.setEnabled(QStringLiteral("Xtest"), false);
-    if (s.recording) {
+    if (s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
     } else {
-        s.recording = true;
-        s.scriptText.clear();
-        if (s.link.pmsMode != u"HOTEL")
-            s.scriptText = QStringLiteral("VMAIL") + s.link.protocolType + QStringLiteral("\r\n");
+        s.recorder.start(s.link.pmsMode != u"HOTEL"
+                             ? QStringLiteral("VMAIL") + s.link.protocolType +
+                                   QStringLiteral("\r\n")
+                             : QString());
     }
-    s.link.errorCount = 0;
+    s.errors.resetErrors();
 }
 
 void ScriptEngine::cmd_end_script() {
     Session& s = m_session;
-    if (s.link.waitingForAck || !linkIsUp(s))
+    if (s.link.waitingForAck() || !linkIsUp(s))
         return;
-    if (!s.recording) {
+    if (!s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("No script has been started"));
         return;
     }
@@ -66,14 +66,13 @@ void ScriptEngine::cmd_end_script() {
     if (path.isEmpty())
         return;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(s.scriptText.toLatin1()) < 0 ||
+    if (!file.open(QIODevice::WriteOnly) || file.write(s.recorder.scriptText().toLatin1()) < 0 ||
         !file.commit()) {
         s.operatorInterface.notify(
             QStringLiteral("Cannot write script file %1: %2").arg(path, file.errorString()));
         return;
     }
-    s.recording = false;
-    s.scriptText.clear();
+    s.recorder.finish();
     s.controls.setEnabled({"Xtest", "cmd_start_script"}, true);
     s.controls.setEnabled(QStringLiteral("cmd_end_script"), false);
 }
@@ -87,7 +86,7 @@ void ScriptEngine::cmb_notify_Click(const QString& item) {
 }
 
 void ScriptEngine::startListedWait(const QString& item, bool plain) {
-    if (m_session.link.waitingForAck)
+    if (m_session.link.waitingForAck())
         return;
     const QString chosen = item.trimmed();
     if (chosen.isEmpty())

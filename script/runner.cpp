@@ -19,8 +19,8 @@ const QStringList pressedFirst = {"cmd_chk_in", "cmd_chk_out", "cmd_name_1", "Co
 ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
 
 void ScriptEngine::Xtest() {
-    if (m_session.link.waitingForAck) {
-        m_session.link.errorCount = 0;
+    if (m_session.link.waitingForAck()) {
+        m_session.errors.resetErrors();
         return;
     }
     const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFilter);
@@ -31,8 +31,8 @@ void ScriptEngine::Xtest() {
 
 ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
     Session& s = m_session;
-    s.link.errorCount = 0;
-    if (s.link.waitingForAck)
+    s.errors.resetErrors();
+    if (s.link.waitingForAck())
         return RunOutcome::Busy;
     const ScriptFile file = readScriptFile(path);
     if (file.status != ScriptFile::Status::Read) {
@@ -45,11 +45,11 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
 
 ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
     Session& s = m_session;
-    s.link.errorCount = 0;
-    if (s.link.waitingForAck)
+    s.errors.resetErrors();
+    if (s.link.waitingForAck())
         return RunOutcome::Busy;
 
-    s.stopScript = false;
+    s.clearScriptStop();
     s.controls.setEnabled({"cmd_start_script", "cmd_end_script", "Xtest"}, false);
     s.controls.setEnabled(QStringLiteral("StopScript"), true);
     QStringList rest = transactionButtons();
@@ -75,14 +75,14 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 
 void ScriptEngine::StopScript() {
     Session& s = m_session;
-    s.stopScript = true;
+    s.requestScriptStop();
     s.controls.setEnabled({"cmd_start_script", "Xtest"}, true);
     s.controls.setEnabled({"cmd_end_script", "StopScript"}, false);
     s.controls.setEnabled(transactionButtons(), true);
 }
 
 void ScriptEngine::cmd_cancel() {
-    m_session.stopScript = true;
+    m_session.requestScriptStop();
 }
 
 void ScriptEngine::WAIT(const QString& item, const QString& digit) {
@@ -99,7 +99,7 @@ void ScriptEngine::cmd_recovery() {
     do {
         link.cmd_enquiry_basic();
         link.wait_for_ack(false);
-    } while (link.ackFailed && !link.interrupted());
+    } while (link.ackFailed() && !link.interrupted());
     for (int round = 1; round <= 4; ++round) {
         link.cmd_enquiry_basic();
         WAIT(QStringLiteral("ack"), QStringLiteral("0"));

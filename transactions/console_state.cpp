@@ -125,7 +125,7 @@ void Session::mnu_Hyatt_Click() {
 }
 
 void Session::chk_error_Click(bool checked) {
-    errorMode = checked;
+    m_errorMode = checked;
     controls.setChecked(QStringLiteral("chk_error"), checked);
 }
 

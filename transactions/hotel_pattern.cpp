@@ -19,12 +19,12 @@ QString roomForm(const QString& trimmed) {
 
 QString sentForm(const Session& session, Field field, QString (*check)(const QString&)) {
     const QString& typed = session.fields.text(field);
-    return session.errorMode ? typed : check(trimBlanks(typed));
+    return session.errorMode() ? typed : check(trimBlanks(typed));
 }
 
 void sendToRooms(Session& session, const HotelTransaction& transaction) {
     Link& link = session.link;
-    if (link.waitingForAck)
+    if (link.waitingForAck())
         return;
     bool frameSent = false;
     int attempt = 1;
@@ -32,7 +32,7 @@ void sendToRooms(Session& session, const HotelTransaction& transaction) {
         RoomMessage message{sentForm(session, roomField, roomForm), {}};
         // In error mode a malformed room goes out on purpose, but an empty field is still skipped.
         const bool sendable =
-            !message.room.isEmpty() && (message.room != NotValid || session.errorMode);
+            !message.room.isEmpty() && (message.room != NotValid || session.errorMode());
         if (!sendable) {
             if (!frameSent && roomField == roomFields.back())
                 session.log.logLine(transaction.noRoomLine);
@@ -41,7 +41,7 @@ void sendToRooms(Session& session, const HotelTransaction& transaction) {
         const ExtraField* invalid = nullptr;
         for (const ExtraField& extra : transaction.extras) {
             message.extras.append(sentForm(session, extra.source, extra.check));
-            if (!session.errorMode && message.extras.last() == NotValid) {
+            if (!session.errorMode() && message.extras.last() == NotValid) {
                 invalid = &extra;
                 break;
             }
@@ -53,10 +53,11 @@ void sendToRooms(Session& session, const HotelTransaction& transaction) {
         frameSent = true;
         const QString body = transaction.body(message);
         const QString reported = transaction.reported ? transaction.reported(message) : body;
-        if (!session.reportSent(link.sendHotelMessage(transaction.rule, body, attempt, reported),
-                                body))
+        if (!session.reportSent(
+                sendHotelMessage(link, session.errors, transaction.rule, body, attempt, reported),
+                body))
             return;
-        session.record(body);
+        session.recorder.record(body);
     }
 }
 

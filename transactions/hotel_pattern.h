@@ -3,6 +3,7 @@
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "transactions/fields.h"
+#include "transactions/send_sequences.h"
 
 #include <QString>
 #include <QStringList>

@@ -27,20 +27,20 @@ struct SuiteField {
 
 QString pilotForm(const Session& session, Field field) {
     const QString& typed = session.fields.text(field);
-    return session.errorMode ? typed : verify_string(typed, 5, QStringLiteral("R"));
+    return session.errorMode() ? typed : verify_string(typed, 5, QStringLiteral("R"));
 }
 
 QString memberForm(const Session& session, Field field) {
     const QString& typed = session.fields.text(field);
-    return session.errorMode ? typed : verify_member(trimBlanks(typed), 5);
+    return session.errorMode() ? typed : verify_member(trimBlanks(typed), 5);
 }
 
 // The body is the code and the fields with their separators, less its last character: the blank
 // after the last member or pilot, or in error mode whatever was typed last.
 void sendSuite(Session& session, const QString& code, const std::vector<SuiteField>& fields) {
-    if (session.link.waitingForAck)
+    if (session.link.waitingForAck())
         return;
-    if (!session.errorMode) {
+    if (!session.errorMode()) {
         for (const SuiteField& field : fields) {
             if (field.value == NotValid) {
                 session.log.logLine(field.invalidLine);
@@ -53,8 +53,9 @@ void sendSuite(Session& session, const QString& code, const std::vector<SuiteFie
         body += field.value + field.separator;
     body.chop(1);
     int attempt = 1;
-    if (session.reportSent(session.link.sendHotelMessage(suiteRule, body, attempt), body))
-        session.record(body);
+    if (session.reportSent(
+            sendHotelMessage(session.link, session.errors, suiteRule, body, attempt, body), body))
+        session.recorder.record(body);
 }
 
 const QString invalidPilot = QStringLiteral("Invalid link suite pilot number!");

@@ -91,10 +91,10 @@ void Session::cmd_wakeup() {
 }
 
 void Session::cmb_restrict_Click() {
-    if (cmb_restrict.isEmpty())
+    if (m_cmb_restrict.isEmpty())
         return;
     for (const RestrictionLevel& entry : restrictionLevels) {
-        if (entry.selection == cmb_restrict) {
+        if (entry.selection == m_cmb_restrict) {
             send_station_restriction(entry.level);
             return;
         }

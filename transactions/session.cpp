@@ -1,40 +1,32 @@
 #include "transactions/session.h"
 
-#include "protocol/frame.h"
-
 namespace larkspur {
 
 Session::Session(EventPump& eventPump, OperatorInterface& op, Transport& tcp, Transport& serial)
     : pump(eventPump), operatorInterface(op), link(eventPump, log, op, tcp, serial) {
-    connect(&link, &Link::recordingStopped, this, [this] { recording = false; });
+    connect(&link, &Link::recordingStopped, this, [this] { recorder.suspend(); });
     connect(&link, &Link::connected, this, [this] {
         controls.setEnabled(QStringLiteral("cmd_connect"), false);
         controls.setEnabled(QStringLiteral("cmd_disconnect"), true);
         enable_transaction_controls();
     });
     connect(&link, &Link::disconnected, this, [this] {
-        stopScript = true;
+        requestScriptStop();
         disable_transaction_controls();
     });
     // A lost link is a disconnect the operator did not ask for: a running script stops, and
     // Connect is there to try again.
     connect(&link, &Link::linkLost, this, [this] {
-        stopScript = true;
+        requestScriptStop();
         disable_transaction_controls();
         controls.setEnabled(QStringLiteral("cmd_connect"), true);
         controls.setEnabled(QStringLiteral("cmd_disconnect"), false);
     });
 }
 
-bool Session::reportSent(Link::SendResult result, const QString& message) {
+bool Session::reportSent(SendResult result, const QString& message) {
     Q_EMIT transactionEnded(result, message);
-    return result == Link::SendResult::Acknowledged ||
-           result == Link::SendResult::AcknowledgedByStaleAck;
-}
-
-void Session::record(const QString& line) {
-    if (recording)
-        scriptText += line + carriage_return();
+    return result == SendResult::Acknowledged || result == SendResult::AcknowledgedByStaleAck;
 }
 
 } // namespace larkspur

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "link/link.h"
+#include "records/error_records.h"
 #include "records/traffic_log.h"
 #include "transactions/controls.h"
 #include "transactions/fields.h"
+#include "transactions/recording.h"
+#include "transactions/send_sequences.h"
 
 #include <QObject>
 #include <QString>
@@ -29,18 +32,22 @@ public:
     Link link;
     Fields fields;
     Controls controls;
+    ErrorRecords errors;
+    // The script being recorded.
+    Recording recorder;
 
     // "Error Mode": fields go out as typed, untrimmed and unchecked.
-    bool errorMode = false;
-    // Script recording: each acknowledged transaction appends its line.
-    bool recording = false;
-    QString scriptText;
-    // Set by Stop, Cancel and Disconnect; a running script stops at its next step.
-    bool stopScript = false;
+    bool errorMode() const { return m_errorMode; }
+
+    // Asked by Stop, Cancel, Disconnect and a lost link; a running script stops at its next
+    // step, and the step that stops clears it.
+    void requestScriptStop() { m_stopScript = true; }
+    void clearScriptStop() { m_stopScript = false; }
+    bool stopScript() const { return m_stopScript; }
+
     // The last voice-mail frame sent (all operations but the mailbox check-in).
-    QString lastVmailMessage;
-    // The text chosen in the restriction list (empty when nothing is chosen).
-    QString cmb_restrict;
+    const QString& lastVmailMessage() const { return m_lastVmailMessage; }
+    void keepVmailMessage(const QString& frame) { m_lastVmailMessage = frame; }
 
     // Guest check-in and check-out.
     void cmd_chk_in();
@@ -55,6 +62,9 @@ public:
     void cmd_message_waiting_0();
     void cmd_set_credit();
     void cmd_wakeup();
+    // The restriction list: the text chosen, then the level it names is sent.
+    void chooseRestriction(const QString& item) { m_cmb_restrict = item; }
+    const QString& cmb_restrict() const { return m_cmb_restrict; }
     void cmb_restrict_Click();
     void send_station_restriction(const QString& level);
     // Departments and locations.
@@ -80,10 +90,8 @@ public:
     void send_linked_suite(const QString& code);
     void send_linked_suite_pilot(const QString& code);
 
-    // Appends one line (CR LF added) to the script being recorded, when recording.
-    void record(const QString& line);
     // Tells how one message of a transaction ended; true when the PBX took it.
-    bool reportSent(Link::SendResult result, const QString& message);
+    bool reportSent(SendResult result, const QString& message);
 
     // The window's modes, menus and enabling rules.
     void set_hotel_labels();
@@ -112,7 +120,13 @@ Q_SIGNALS:
     void expectationStopped(const QString& item);
     // One message of a transaction reached its end: `message` is what was sent (the body, or a
     // voice-mail operation's log line).
-    void transactionEnded(larkspur::Link::SendResult result, const QString& message);
+    void transactionEnded(larkspur::SendResult result, const QString& message);
+
+private:
+    bool m_errorMode = false;
+    bool m_stopScript = false;
+    QString m_lastVmailMessage;
+    QString m_cmb_restrict;
 };
 
 } // namespace larkspur

@@ -95,7 +95,7 @@ bool inVmailMode(const Session& session) {
 void send_vmail_operation(Session& session, VmailOperation operation) {
     const VmailOperationRule& rule = ruleOf(operation);
     Link& link = session.link;
-    if (rule.guarded && link.waitingForAck)
+    if (rule.guarded && link.waitingForAck())
         return;
     const QString mailbox = keptText(session.fields, Field::txt_ls_pilot, mailboxKept);
     if (mailbox.isEmpty()) {
@@ -114,13 +114,13 @@ void send_vmail_operation(Session& session, VmailOperation operation) {
     }
     const QString frame = link.build_vmail_message(rule.code, mailbox, extra);
     if (rule.keepsFrame)
-        session.lastVmailMessage = frame;
-    const Link::SendResult result = link.sendVmailFrame(frame, logLine, rule.reportsAck);
+        session.keepVmailMessage(frame);
+    const SendResult result = sendVmailFrame(link, frame, logLine, rule.reportsAck);
     session.reportSent(result, logLine);
-    if (result == Link::SendResult::Interrupted)
+    if (result == SendResult::Interrupted)
         return;
     // The "~" marks a ready-made frame for the script runner.
-    session.record(frame + QLatin1Char('~'));
+    session.recorder.record(frame + QLatin1Char('~'));
 }
 
 } // namespace larkspur

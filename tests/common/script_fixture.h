@@ -17,7 +17,7 @@ protected:
 
     void SetUp() override {
         SessionFixture::SetUp();
-        session.recording = false;
+        session.recorder.suspend();
         session.enable_transaction_controls();
     }
 

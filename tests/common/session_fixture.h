@@ -22,7 +22,7 @@ protected:
         tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);
         pump.processEvents();
         tcp.written.clear();
-        session.recording = true;
+        session.recorder.start(QString());
     }
 
     // A fresh start for the next case of a table: link open, fields empty, nothing logged, sent
@@ -32,10 +32,9 @@ protected:
         for (int f = 0; f < fieldCount; ++f)
             session.fields.setText(Field(f), QString());
         session.log = TrafficLog();
-        session.link.errorReport.clear();
-        session.link.errorCount = 0;
-        session.scriptText.clear();
-        session.lastVmailMessage.clear();
+        session.errors.clearReport();
+        session.errors.resetErrors();
+        session.keepVmailMessage(QString());
         op.notices.clear();
     }
 

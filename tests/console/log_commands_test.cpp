@@ -40,10 +40,10 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
     EXPECT_EQ(file.readAll(), "Connected...\r\nReceived--> ACK\r\n");
     EXPECT_EQ(op.filters, QStringList{"PMS Log File (*.log)"});
 
-    session.link.errorReport = "an old failure";
+    session.errors.recordError("an old failure", false);
     cmd_new_error_file(session);
     EXPECT_TRUE(entries().isEmpty());
-    EXPECT_TRUE(session.link.errorReport.isEmpty());
+    EXPECT_TRUE(session.errors.errorReport().isEmpty());
     EXPECT_EQ(session.log.logText(), "Connected...\r\nReceived--> ACK\r\n")
         << "the traffic itself is not touched";
 
@@ -64,7 +64,7 @@ TEST_F(LogCommands, CancelledDialogsChangeNothing) {
 
 TEST_F(LogCommands, OpenAndSaveWaitForTheAcknowledgement) {
     session.log.logLine("kept");
-    session.link.waitingForAck = true;
+    const Link::WaitGuard busy(session.link);
     op.filesToOpen = {path};
     op.filesToSave = {path};
     EXPECT_FALSE(cmd_open_logfile(session));

@@ -254,7 +254,7 @@ TEST_F(MainWindowTest, ButtonsReachTheSession) {
     auto* restrict = find<QComboBox>("cmb_restrict");
     for (int i = 0; i < 3; ++i)
         QTest::keyClick(restrict, Qt::Key_Down);
-    EXPECT_EQ(session.cmb_restrict, "long distant call");
+    EXPECT_EQ(session.cmb_restrict(), "long distant call");
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "RST2   101\x03")));
 }
@@ -268,7 +268,7 @@ TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {
     EXPECT_FALSE(session.link.settings.rtsEnabled);
     EXPECT_TRUE(session.link.settings.nullDiscard);
     EXPECT_TRUE(engine.Continuous);
-    EXPECT_TRUE(session.errorMode);
+    EXPECT_TRUE(session.errorMode());
 
     // Hidden and shown again by the modes, the boxes keep what the operator ticked.
     find<QAction>("mnuVoiceMail")->trigger();

@@ -114,7 +114,7 @@ TEST_F(LinkEndToEnd, UnsolicitedStatusIsAcknowledgedOverTheWire) {
     ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
     ASSERT_TRUE(sim.waitForTraceLines(4)) << sim.traceLines().join(", ").toStdString();
     EXPECT_EQ(sim.traceLines().mid(2), QStringList({"TX <STX>STS1   101<ETX>", "RX <ACK>"}));
-    EXPECT_EQ(link.lastControl, QString("\x02STS1   101\x03"));
+    EXPECT_EQ(link.lastControl(), QString("\x02STS1   101\x03"));
 }
 
 TEST_F(LinkEndToEnd, PbxThatGoesAwayIsReported) {

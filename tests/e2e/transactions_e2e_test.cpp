@@ -56,7 +56,7 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
     };
     ASSERT_TRUE(sim.waitForTraceLines(expected.size()));
     EXPECT_EQ(sim.traceLines(), expected);
-    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(session.errors.errorCount(), 0);
 }
 
 TEST_F(TransactionsEndToEnd, VoiceMailCheckIn) {

@@ -12,19 +12,19 @@ class Exchange : public LinkFixture {};
 TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
     tcpPbx.onEnq = Answer::Nak;
     link.send_enq();
-    EXPECT_TRUE(link.ackFailed);
+    EXPECT_TRUE(link.ackFailed());
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
     EXPECT_LE(pump.elapsedMs(), 5 * 100) << "each answer ends its wait at the next 0.1 s step";
     EXPECT_EQ(lines().count("Sending -->    ENQ"), 5);
     EXPECT_EQ(lines().count("Received--> NAK"), 5);
     EXPECT_FALSE(lines().contains("ERROR: WAITING FOR ACK - TIMEOUT")) << "no error lines";
-    EXPECT_FALSE(link.waitingForAck);
+    EXPECT_FALSE(link.waitingForAck());
 }
 
 TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
     tcpPbx.onEnq = Answer::Silent;
     link.send_enq();
-    EXPECT_TRUE(link.ackFailed);
+    EXPECT_TRUE(link.ackFailed());
     EXPECT_EQ(tcp.written.size(), 5);
     EXPECT_GE(pump.elapsedMs(), 5 * 5000);
     EXPECT_LE(pump.elapsedMs(), 5 * 5100);
@@ -32,17 +32,21 @@ TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
 
 TEST_F(Exchange, EnqAckedAtFirstAttempt) {
     link.send_enq();
-    EXPECT_FALSE(link.ackFailed);
+    EXPECT_FALSE(link.ackFailed());
     EXPECT_EQ(tcp.written, QList<QByteArray>{ENQ});
     EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK"}));
 }
 
 TEST_F(Exchange, SendEnqDoesNothingWhileWaiting) {
-    link.waitingForAck = true;
-    link.ackFailed = true;
+    tcpPbx.onEnq = Answer::Silent;
+    link.send_text(QString(QChar(5)));
+    link.wait_for_ack(false);
+    ASSERT_TRUE(link.ackFailed());
+    tcp.written.clear();
+    const Link::WaitGuard busy(link);
     link.send_enq();
     EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(link.ackFailed) << "left as it was";
+    EXPECT_TRUE(link.ackFailed()) << "left as it was";
     qint16 n = 10;
     EXPECT_FALSE(link.send_enq_counted(n));
     EXPECT_TRUE(tcp.written.isEmpty());
@@ -69,25 +73,31 @@ TEST_F(Exchange, WaitForAckErrorLines) {
         tcpPbx.onEnq = c.answer;
         link.send_text(QString(QChar(5)));
         link.wait_for_ack(true);
-        EXPECT_EQ(link.ackFailed, c.failed) << c.name;
+        EXPECT_EQ(link.ackFailed(), c.failed) << c.name;
         EXPECT_EQ(lines(), c.shown) << c.name;
     }
 }
 
 TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
-    link.lastControl = "ACK";
+    tcp.deliver(ACK, 0);
+    pump.processEvents();
+    log = TrafficLog();
+    const qint64 start = pump.elapsedMs();
     tcpPbx.onEnq = Answer::Silent;
     EXPECT_TRUE(link.poll_for_ack(true));
-    EXPECT_EQ(pump.elapsedMs(), 0);
-    EXPECT_FALSE(link.waitingForAck);
+    EXPECT_EQ(pump.elapsedMs(), start);
+    EXPECT_FALSE(link.waitingForAck());
 }
 
 TEST_F(Exchange, PollGivesUpAfterFiveSeconds) {
-    link.lastControl = "NAK";
+    tcp.deliver(NAK, 0);
+    pump.processEvents();
+    log = TrafficLog();
+    const qint64 start = pump.elapsedMs();
     EXPECT_FALSE(link.poll_for_ack(true));
-    EXPECT_EQ(pump.elapsedMs(), 5000);
+    EXPECT_EQ(pump.elapsedMs() - start, 5000);
     EXPECT_EQ(lines(), QStringList{"ERROR: WAITING FOR ACK - TIMEOUT"});
-    EXPECT_FALSE(link.waitingForAck);
+    EXPECT_FALSE(link.waitingForAck());
 }
 
 TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
@@ -100,7 +110,7 @@ TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
     pump.processEvents();
     tcp.deliver(ACK, 60'000);
     link.wait_for_ack(true);
-    EXPECT_FALSE(link.ackFailed);
+    EXPECT_FALSE(link.ackFailed());
     EXPECT_GE(pump.elapsedMs(), 60'000);
 }
 
@@ -137,10 +147,10 @@ TEST_F(Exchange, StopRequestUnwindsEveryWait) {
     tcpPbx.onEnq = Answer::Silent;
     pump.schedule(1200, [&] { pump.requestStop(); });
     link.send_enq();
-    EXPECT_TRUE(link.ackFailed);
+    EXPECT_TRUE(link.ackFailed());
     EXPECT_LT(pump.elapsedMs(), 1500) << "the five ENQ waits end at their next look";
     EXPECT_FALSE(link.poll_for_ack(false));
-    EXPECT_FALSE(link.waitingForAck);
+    EXPECT_FALSE(link.waitingForAck());
     const qint64 before = pump.elapsedMs();
     pause_seconds(pump, 5.0f);
     EXPECT_EQ(pump.elapsedMs(), before);

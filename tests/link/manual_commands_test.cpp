@@ -1,5 +1,7 @@
 #include "common/link_fixture.h"
 
+#include <optional>
+
 using namespace larkspur;
 using namespace larkspur::test;
 
@@ -28,7 +30,9 @@ TEST_F(ManualCommands, EachSendsOneThingAndTheGuardedOnesWaitTheirTurn) {
         for (bool waiting : {false, true}) {
             log = TrafficLog();
             tcp.written.clear();
-            link.waitingForAck = waiting;
+            std::optional<Link::WaitGuard> busy;
+            if (waiting)
+                busy.emplace(link);
             (link.*c.command)();
             const bool acts = !(waiting && c.guarded);
             EXPECT_EQ(lines(), acts ? QStringList{c.logged} : QStringList{}) << c.name << waiting;

@@ -16,7 +16,7 @@ protected:
 
     void SetUp() override {
         ScriptFixture::SetUp();
-        session.recording = false;
+        session.recorder.suspend();
     }
 };
 

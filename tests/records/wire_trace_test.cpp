@@ -1,7 +1,9 @@
 #include "common/link_fixture.h"
 #include "link/link_trace.h"
+#include "records/error_records.h"
 #include "records/run_statistics.h"
 #include "records/wire_trace.h"
+#include "transactions/send_sequences.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -31,7 +33,8 @@ TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
     const HotelMessageRule rule{"Sending   -->", "-> failed:"};
     tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack};
     int attempt = 1;
-    link.sendHotelMessage(rule, "CHK0   101", attempt);
+    ErrorRecords errors;
+    sendHotelMessage(link, errors, rule, "CHK0   101", attempt, "CHK0   101");
     EXPECT_EQ(rows(), QStringList({
                           "TX <ENQ>   | 05",
                           "RX <ACK>   | 06   ; ENQ answered in 20 ms (ACKed)",
@@ -60,7 +63,7 @@ TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
 TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
     link.pmsMode = "VMAIL";
     link.protocolType = "HIS";
-    link.sendVmailFrame(link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
+    sendVmailFrame(link, link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
     tcp.deliver(QByteArray("\x02"
                            "54001  \x03") +
                 char(0x7F));

@@ -9,7 +9,7 @@ class ExpectationWait : public ScriptFixture {
 protected:
     void SetUp() override {
         ScriptFixture::SetUp();
-        session.recording = true;
+        session.recorder.start(QString());
         session.fields.setText(Field::txt_suite_1, "101");
     }
     void pbxSends(const QByteArray& bytes, qint64 atMs, bool overTcp = true) {
@@ -27,13 +27,13 @@ TEST_F(ExpectationWait, PlainWaitReportsOtherMessagesThenSucceeds) {
                            "but recieved --> STS2   102", "Received--> STS2   101",
                            "Sending -->    ACK", "successfully received --> sts2"}));
     EXPECT_EQ(op.notices, QStringList{"successfully received --> sts2"});
-    EXPECT_EQ(session.scriptText, "WAIT STS2   101 9\r\n");
+    EXPECT_EQ(session.recorder.scriptText(), "WAIT STS2   101 9\r\n");
     EXPECT_TRUE(
-        session.link.errorReport.endsWith(": ERROR occurred while waiting for --> sts2\nbut "
-                                          "instead receieved --> \x02STS2   102\x03\n\n"));
-    EXPECT_EQ(session.link.errorCount, 0);
+        session.errors.errorReport().endsWith(": ERROR occurred while waiting for --> sts2\nbut "
+                                              "instead receieved --> \x02STS2   102\x03\n\n"));
+    EXPECT_EQ(session.errors.errorCount(), 0);
     EXPECT_EQ(pump.elapsedMs(), 1500) << "ends as the expected message arrives";
-    EXPECT_FALSE(session.link.waitingForAck);
+    EXPECT_FALSE(session.link.waitingForAck());
 }
 
 TEST_F(ExpectationWait, NoticeWaitPassesOverOtherMessagesInSilence) {
@@ -43,8 +43,8 @@ TEST_F(ExpectationWait, NoticeWaitPassesOverOtherMessagesInSilence) {
     EXPECT_EQ(lines(), QStringList({"send notify for --> sts2", "Received--> STS2   102",
                                     "Sending -->    ACK", "Received--> STS2   101",
                                     "Sending -->    ACK", "successfully received --> sts2"}));
-    EXPECT_TRUE(session.link.errorReport.isEmpty());
-    EXPECT_EQ(session.scriptText, "NTFY STS2   101 9\r\n");
+    EXPECT_TRUE(session.errors.errorReport().isEmpty());
+    EXPECT_EQ(session.recorder.scriptText(), "NTFY STS2   101 9\r\n");
 }
 
 TEST_F(ExpectationWait, Outcomes) {
@@ -75,7 +75,7 @@ TEST_F(ExpectationWait, Outcomes) {
     };
     for (auto& c : cases) {
         restart();
-        session.recording = true;
+        session.recorder.start(QString());
         session.fields.setText(Field::txt_suite_1, "101");
         session.link.settings.useTcp = c.overTcp;
         serial.openPort("/dev/ttyS0");
@@ -94,16 +94,16 @@ TEST_F(ExpectationWait, Outcomes) {
         EXPECT_EQ(lines().contains("Time expired.  Did not receive--> " + c.item),
                   !c.succeeds && c.endsAtMs >= 0)
             << c.name;
-        EXPECT_EQ(session.scriptText, c.recorded) << c.name;
-        EXPECT_FALSE(session.stopScript) << c.name;
-        EXPECT_EQ(session.link.errorCount, 0) << c.name;
+        EXPECT_EQ(session.recorder.scriptText(), c.recorded) << c.name;
+        EXPECT_FALSE(session.stopScript()) << c.name;
+        EXPECT_EQ(session.errors.errorCount(), 0) << c.name;
     }
 }
 
 TEST_F(ExpectationWait, NoticeWaitForAltRecordsWhatReplayPassesOver) {
     pbxSends(frame("ALT1   101"), 100);
     engine.NTFY("alt", "3");
-    EXPECT_EQ(session.scriptText, "NTFY ATL   101 3\r\n");
+    EXPECT_EQ(session.recorder.scriptText(), "NTFY ATL   101 3\r\n");
 }
 
 TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
@@ -131,7 +131,7 @@ namespace {
 
 TEST_F(ExpectationWait, RecoveryRunsItsFixedDialogue) {
     // Its waits for "ack" never succeed, so the operator steps through them with CANCEL.
-    session.recording = false;
+    session.recorder.suspend();
     pbx.nextEnqAnswers = {FakePbx::Answer::Silent};
     std::function<void()> cancelEachSecond = [&] {
         engine.cmd_cancel();

@@ -20,10 +20,10 @@ TEST_F(LostLink, EndsATransactionWhereItStands) {
     EXPECT_LT(pump.elapsedMs(), 3000) << "not five sends of five seconds each";
     EXPECT_EQ(lines(),
               QStringList({"Sending -->    ENQ", "Received--> ACK", "Sending     -->CHK1   101"}));
-    EXPECT_EQ(session.link.errorCount, 0);
-    EXPECT_TRUE(session.link.errorReport.isEmpty());
+    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_TRUE(session.errors.errorReport().isEmpty());
     ASSERT_EQ(ended.size(), 1);
-    EXPECT_EQ(ended[0][0].value<Link::SendResult>(), Link::SendResult::Interrupted);
+    EXPECT_EQ(ended[0][0].value<SendResult>(), SendResult::Interrupted);
     EXPECT_FALSE(enabled("cmd_chk_in"));
     EXPECT_TRUE(enabled("cmd_connect"));
     EXPECT_FALSE(enabled("cmd_disconnect"));
@@ -59,7 +59,7 @@ TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
     click({{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
     EXPECT_LT(pump.elapsedMs(), 1000);
     EXPECT_FALSE(lines().contains("DID NOT RECEIVE ACK FROM PBX!"));
-    EXPECT_TRUE(session.scriptText.isEmpty());
+    EXPECT_TRUE(session.recorder.scriptText().isEmpty());
     pump.clearStop();
 }
 

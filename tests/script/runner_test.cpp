@@ -59,14 +59,14 @@ TEST_F(Runner, EveryHotelWordReplaysItsFrame) {
     expected.insert(expected.indexOf("NAM4 Smith                  101  205") + 1,
                     "NAM4 Smith                  205  205");
     EXPECT_EQ(frames(), expected);
-    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(session.errors.errorCount(), 0);
     EXPECT_EQ(op.notices, QStringList{"Script file completed"});
 }
 
 TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
     // Every hotel transaction but Transfer Name, whose replayed line fills the target room into
     // both room fields and so sends one frame more than was recorded.
-    session.recording = true;
+    session.recorder.start(QString());
     click({{Field::txt_suite_1, "101"}}, &Session::cmd_chk_in);
     click({}, &Session::cmd_chk_out);
     click({{Field::Text1, "Smith"}}, &Session::cmd_name_1);
@@ -82,25 +82,24 @@ TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
     click({{Field::txt_location, "LOBBY"}}, &Session::cmd_loc);
     click({}, &Session::cmd_location_2);
     click({}, &Session::cmd_location_3);
-    session.cmb_restrict = "option 3";
+    session.chooseRestriction("option 3");
     session.cmb_restrict_Click();
     click({{Field::txt_ls_pilot, "300"}, {Field::txt_suite_3, "301"}}, &Session::cmd_ste6);
     click({{Field::txt_suite_1, "302"}}, &Session::cmd_ste5);
     const QStringList recordedFrames = frames();
     ASSERT_EQ(recordedFrames.size(), 18);
-    ASSERT_EQ(session.scriptText.count("\r\n"), 18);
+    ASSERT_EQ(session.recorder.scriptText().count("\r\n"), 18);
 
     tcp.written.clear();
-    session.recording = false;
-    EXPECT_EQ(play((session.scriptText + ";\r\n").toLatin1()), Outcome::Completed);
+    session.recorder.suspend();
+    EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
     EXPECT_EQ(frames(), recordedFrames);
 }
 
 TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     session.link.pmsMode = "VMAIL";
     session.link.protocolType = "HIS";
-    session.recording = true;
-    session.scriptText = "VMAILHIS\r\n";
+    session.recorder.start("VMAILHIS\r\n");
     const QList<std::pair<FieldTexts, Action>> clicks = {
         {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_in},
         {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out},
@@ -118,9 +117,9 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     ASSERT_EQ(sent.size(), 9);
 
     tcp.written.clear();
-    session.recording = false;
+    session.recorder.suspend();
     session.link.pmsMode = "HOTEL";
-    EXPECT_EQ(play((session.scriptText + ";\r\n").toLatin1()), Outcome::Completed);
+    EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
     EXPECT_EQ(session.link.pmsMode, "VMAIL");
     EXPECT_EQ(tcp.written, sent);
     EXPECT_EQ(session.controls.state("cmd_name_1").caption, "Query MW Status");
@@ -132,8 +131,8 @@ TEST_F(Runner, UnknownWordStopsTheScript) {
     EXPECT_EQ(op.notices, QStringList{"Command: STOP"});
     EXPECT_EQ(lines().mid(lines().size() - 2),
               QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
-    EXPECT_EQ(session.link.errorReport, stamp() + "-> Script File Corrupt:\n\n\n");
-    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(session.errors.errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(session.errors.errorCount(), 0);
     EXPECT_TRUE(enabled("Xtest"));
 }
 
@@ -145,7 +144,7 @@ TEST_F(Runner, BlankThenSemicolonIsAnUnknownCommand) {
 TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {
     pbx.onFrame = FakePbx::Answer::Nak;
     EXPECT_EQ(play("CHK0   101\r\nMW 1   102\r\n;\r\n"), Outcome::Completed);
-    EXPECT_EQ(session.link.errorCount, 2);
+    EXPECT_EQ(session.errors.errorCount(), 2);
     EXPECT_EQ(op.notices,
               QStringList{"Script file ended!\r\n There were 2 Errors\r\nView Log for details"});
 }
@@ -173,7 +172,7 @@ TEST_F(Runner, CancelBetweenCommandsLeavesButtonsDisabledStopScriptRestoresThem)
         EXPECT_EQ(lines().last(), "Script cancelled...");
         EXPECT_EQ(enabled("Xtest"), c.buttonsBack);
         EXPECT_EQ(enabled("cmd_chk_in"), c.buttonsBack);
-        EXPECT_FALSE(session.stopScript);
+        EXPECT_FALSE(session.stopScript());
     }
 }
 
@@ -197,7 +196,7 @@ TEST_F(Runner, ClosingTheConsoleInsideAWaitEndsTheScript) {
         });
         pump.schedule(2000, [&] {
             pump.requestStop();
-            session.stopScript = true;
+            session.requestScriptStop();
         });
         EXPECT_EQ(play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n"), Outcome::Cancelled)
             << continuous;
@@ -246,7 +245,7 @@ TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
     EXPECT_EQ(op.notices[0], "Command: 34001  <ETX>" + QString(checkOut.back()));
     EXPECT_EQ(lines().mid(lines().size() - 2),
               QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
-    EXPECT_EQ(session.link.errorReport, stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(session.errors.errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
     ASSERT_EQ(unrecognized.size(), 1);
     EXPECT_EQ(unrecognized[0][0].toInt(), 3);
     EXPECT_TRUE(unrecognized[0][1].toString().contains("without \"~\""))

@@ -71,7 +71,7 @@ TEST_F(ConsoleState, ConnectingEnablesAllButTheScriptEndButtons) {
     EXPECT_FALSE(c("cmd_chk_in").enabled);
     EXPECT_TRUE(c("mnuConnection").enabled);
     EXPECT_TRUE(c("cmd_connect").enabled);
-    EXPECT_TRUE(session.stopScript);
+    EXPECT_TRUE(session.stopScript());
 }
 
 TEST_F(ConsoleState, CheckBoxesShowFramesAndSetErrorMode) {
@@ -82,11 +82,11 @@ TEST_F(ConsoleState, CheckBoxesShowFramesAndSetErrorMode) {
     session.chk_error_Click(true);
     EXPECT_TRUE(c("fr_Linked_suite").visible);
     EXPECT_TRUE(c("fr_manual_mode").visible);
-    EXPECT_TRUE(session.errorMode);
+    EXPECT_TRUE(session.errorMode());
     session.chk_manual_Click(false);
     session.chk_error_Click(false);
     EXPECT_FALSE(c("fr_manual_mode").visible);
-    EXPECT_FALSE(session.errorMode);
+    EXPECT_FALSE(session.errorMode());
 }
 
 } // namespace

@@ -142,13 +142,13 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
     for (const Transaction& t : transactions) {
         SCOPED_TRACE(t.what);
         restart();
-        session.cmb_restrict = "long distant call";
+        session.chooseRestriction("long distant call");
         ASSERT_EQ(t.body.size(), t.length);
         click(t.fields, t.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(t.body.toLatin1())}));
         EXPECT_EQ(lines(), (grantedBid() + QStringList{t.logPrefix + t.body, "Received--> ACK"}));
-        EXPECT_EQ(session.scriptText, t.body + "\r\n");
-        EXPECT_EQ(session.link.errorCount, 0);
+        EXPECT_EQ(session.recorder.scriptText(), t.body + "\r\n");
+        EXPECT_EQ(session.errors.errorCount(), 0);
     }
 }
 
@@ -157,7 +157,7 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
     for (const Transaction& t : transactions) {
         SCOPED_TRACE(t.what);
         restart();
-        session.cmb_restrict = "long distant call";
+        session.chooseRestriction("long distant call");
         // a second room is never reached
         click(t.fields + FieldTexts{{txt_suite_3, "103"}}, t.action);
         EXPECT_EQ(tcp.written,
@@ -166,9 +166,10 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
         EXPECT_EQ(lines().mid(lines().size() - 4),
                   QStringList({t.logPrefix + t.body, "Received--> NAK", stamp() + t.failureSentence,
                                reported}));
-        EXPECT_EQ(session.link.errorReport, stamp() + t.failureSentence + "\n" + reported + "\n\n");
-        EXPECT_EQ(session.link.errorCount, 1);
-        EXPECT_TRUE(session.scriptText.isEmpty());
+        EXPECT_EQ(session.errors.errorReport(),
+                  stamp() + t.failureSentence + "\n" + reported + "\n\n");
+        EXPECT_EQ(session.errors.errorCount(), 1);
+        EXPECT_TRUE(session.recorder.scriptText().isEmpty());
     }
 }
 
@@ -178,7 +179,7 @@ TEST_F(HotelTransactions, CheckInTakesTheLineBidsAckForTheFrames) {
     click({}, &Session::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK1   101")), 1);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
-    EXPECT_EQ(session.scriptText, "CHK1   101\r\n");
+    EXPECT_EQ(session.recorder.scriptText(), "CHK1   101\r\n");
 }
 
 TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
@@ -192,13 +193,13 @@ TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
     pbx.onEnq = Answer::Nak;
     for (const Case& c : cases) {
         restart();
-        session.cmb_restrict = "internal call";
+        session.chooseRestriction("internal call");
         click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, "Smith"}}, c.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
         const QString enqLine = " PBX DID NOT ACKnowkledge ENQ message";
         EXPECT_EQ(lines().last(), (c.timedLog ? stamp() : QString()) + enqLine);
-        EXPECT_EQ(session.link.errorReport, stamp() + enqLine + "\n");
-        EXPECT_EQ(session.link.errorCount, c.counted);
+        EXPECT_EQ(session.errors.errorReport(), stamp() + enqLine + "\n");
+        EXPECT_EQ(session.errors.errorCount(), c.counted);
     }
 }
 
@@ -214,7 +215,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
     };
     for (const Case& c : cases) {
         restart();
-        session.errorMode = c.errorMode;
+        session.chk_error_Click(c.errorMode);
         for (int i = 0; i < 5; ++i)
             type({{roomFields[i], c.rooms[i]}});
         session.cmd_chk_in();
@@ -227,7 +228,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
 }
 
 TEST_F(HotelTransactions, ErrorModeSendsEveryFieldAsTyped) {
-    session.errorMode = true;
+    session.chk_error_Click(true);
     click({{txt_suite_1, "101"}, {Text1, " Smith"}, {txt_time, "99"}}, &Session::cmd_name_1);
     click({}, &Session::cmd_wakeup);
     EXPECT_EQ(tcp.written,
@@ -242,8 +243,8 @@ TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 2);
     EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
     EXPECT_EQ(tcp.written.count(frame("CHK0   105")), 0);
-    EXPECT_EQ(session.scriptText, "CHK0   101\r\n");
-    EXPECT_EQ(session.link.errorCount, 1);
+    EXPECT_EQ(session.recorder.scriptText(), "CHK0   101\r\n");
+    EXPECT_EQ(session.errors.errorCount(), 1);
 }
 
 TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
@@ -251,8 +252,8 @@ TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("NAM4 Smith                  101  205"),
                                               ENQ, frame("NAM4 Smith                  205  205")}));
     EXPECT_EQ(lines()[2], "Sending   -->NAM4 Smith                  101  205");
-    EXPECT_EQ(session.scriptText, "NAM4 Smith                  101  205\r\n"
-                                  "NAM4 Smith                  205  205\r\n");
+    EXPECT_EQ(session.recorder.scriptText(), "NAM4 Smith                  101  205\r\n"
+                                             "NAM4 Smith                  205  205\r\n");
 }
 
 TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
@@ -289,7 +290,7 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
     };
     for (const Case& c : cases) {
         restart();
-        session.cmb_restrict = "option 3";
+        session.chooseRestriction("option 3");
         click(c.fields, c.action);
         EXPECT_EQ(lines(), c.log);
         EXPECT_TRUE(tcp.written.isEmpty());
@@ -301,12 +302,12 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
                                  "option 1",      "option 2",   "option 3"};
     type({{txt_suite_1, "12"}});
     for (const QString& choice : choices) {
-        session.cmb_restrict = choice;
+        session.chooseRestriction(choice);
         session.cmb_restrict_Click();
     }
-    session.cmb_restrict = "long distance call";
+    session.chooseRestriction("long distance call");
     session.cmb_restrict_Click();
-    session.cmb_restrict.clear();
+    session.chooseRestriction(QString());
     session.cmb_restrict_Click();
     QList<QByteArray> expected;
     for (char level : QByteArray("012345"))
@@ -316,8 +317,8 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
 }
 
 TEST_F(HotelTransactions, NothingHappensDuringAWait) {
-    session.link.waitingForAck = true;
-    session.cmb_restrict = "local call";
+    const Link::WaitGuard busy(session.link);
+    session.chooseRestriction("local call");
     type({{txt_suite_1, "101"},
           {txt_suite_2, "205"},
           {Text1, "Smith"},

@@ -28,7 +28,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.body.toStdString());
         restart();
-        session.errorMode = c.errorMode;
+        session.chk_error_Click(c.errorMode);
         type({{txt_ls_pilot, c.fields[0]}});
         for (int i = 0; i < 4; ++i)
             type({{roomFields[i], c.fields[i + 1]}});
@@ -37,7 +37,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         const QStringList log =
             grantedBid() + QStringList{"Sending    -->" + c.body, "Received--> ACK"};
         EXPECT_EQ(lines(), log);
-        EXPECT_EQ(session.scriptText, c.body + "\r\n");
+        EXPECT_EQ(session.recorder.scriptText(), c.body + "\r\n");
     }
 }
 
@@ -71,9 +71,9 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
     const QStringList log = grantedBid() + QStringList(5, "Sending    -->" + body) +
                             QStringList{stamp() + sentence, body};
     EXPECT_EQ(lines(), log);
-    EXPECT_EQ(session.link.errorReport, stamp() + sentence + "\n" + body + "\n\n");
-    EXPECT_EQ(session.link.errorCount, 1);
-    EXPECT_TRUE(session.scriptText.isEmpty());
+    EXPECT_EQ(session.errors.errorReport(), stamp() + sentence + "\n" + body + "\n\n");
+    EXPECT_EQ(session.errors.errorCount(), 1);
+    EXPECT_TRUE(session.recorder.scriptText().isEmpty());
 }
 
 TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
@@ -81,13 +81,13 @@ TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, &Session::cmd_ste5);
     const QString enqLine = stamp() + " PBX DID NOT ACKnowkledge ENQ message";
     EXPECT_EQ(lines().last(), enqLine);
-    EXPECT_EQ(session.link.errorReport, enqLine + "\n");
-    EXPECT_EQ(session.link.errorCount, 0);
+    EXPECT_EQ(session.errors.errorReport(), enqLine + "\n");
+    EXPECT_EQ(session.errors.errorCount(), 0);
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
 }
 
 TEST_F(LinkedSuites, NothingHappensDuringAWait) {
-    session.link.waitingForAck = true;
+    const Link::WaitGuard busy(session.link);
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, &Session::cmd_ste0);
     session.cmd_ste5();
     EXPECT_TRUE(tcp.written.isEmpty());

@@ -84,8 +84,8 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         EXPECT_EQ(lines(), QStringList({c.logLine, "PBX ACKed"}) +
                                (checkIn ? QStringList() : QStringList{"PBX ACKed"}));
         EXPECT_EQ(pump.elapsedMs() - start, 2000);
-        EXPECT_EQ(session.lastVmailMessage, checkIn ? QString() : sent);
-        EXPECT_EQ(session.scriptText, sent + "~\r\n");
+        EXPECT_EQ(session.lastVmailMessage(), checkIn ? QString() : sent);
+        EXPECT_EQ(session.recorder.scriptText(), sent + "~\r\n");
     }
 }
 
@@ -94,9 +94,9 @@ TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
     click({{txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
     EXPECT_EQ(lines(), QStringList({"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}));
     EXPECT_EQ(tcp.written.size(), 1) << "never retried";
-    EXPECT_EQ(session.scriptText, vmailFrame("34001  ") + "~\r\n");
-    EXPECT_EQ(session.link.errorCount, 0);
-    EXPECT_TRUE(session.link.errorReport.isEmpty());
+    EXPECT_EQ(session.recorder.scriptText(), vmailFrame("34001  ") + "~\r\n");
+    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_TRUE(session.errors.errorReport().isEmpty());
 }
 
 TEST_F(VoiceMail, OverlongFieldsAreCutInTheirTextBoxes) {
@@ -137,12 +137,12 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
         click(c.fields, c.action);
         EXPECT_EQ(op.notices, QStringList{c.notice});
         EXPECT_TRUE(tcp.written.isEmpty());
-        EXPECT_TRUE(session.scriptText.isEmpty());
+        EXPECT_TRUE(session.recorder.scriptText().isEmpty());
     }
 }
 
 TEST_F(VoiceMail, OnlyTheCheckInRunsDuringAWait) {
-    session.link.waitingForAck = true;
+    const Link::WaitGuard busy(session.link);
     type({{txt_ls_pilot, "4001"},
           {txt_suite_1, "1"},
           {txt_suite_2, "2"},

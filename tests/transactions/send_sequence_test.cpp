@@ -1,6 +1,8 @@
 #include "common/link_fixture.h"
 
 #include "protocol/frame.h"
+#include "records/error_records.h"
+#include "transactions/send_sequences.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -17,39 +19,42 @@ const HotelMessageRule restriction{
 
 class SendSequence : public LinkFixture {
 protected:
+    ErrorRecords errors;
     QString stamp() const { return Time_of_error(pump.currentDateTime()); }
+    SendResult send(const HotelMessageRule& rule, const QString& body, int& attempt) {
+        return sendHotelMessage(link, errors, rule, body, attempt, body);
+    }
 };
 
 TEST_F(SendSequence, AcknowledgedAtOnce) {
     int attempt = 1;
-    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt),
-              Link::SendResult::Acknowledged);
+    EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Acknowledged);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK0   101")}));
     EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK",
                                     "Sending   -->CHK0   101", "Received--> ACK"}));
-    EXPECT_EQ(link.errorCount, 0);
+    EXPECT_EQ(errors.errorCount(), 0);
     EXPECT_EQ(attempt, 1);
 }
 
 TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
     tcpPbx.onFrame = Answer::Nak;
     int attempt = 1;
-    EXPECT_EQ(link.sendHotelMessage(checkIn, "CHK1   101", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(send(checkIn, "CHK1   101", attempt), SendResult::Failed);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ}) + QList<QByteArray>(5, frame("CHK1   101")));
     // one ENQ round trip, then 5 x (0.1 s answer + 5 x 1 s polls)
     EXPECT_NEAR(pump.elapsedMs(), 100 + 5 * 5100, 200);
     const QString s = stamp();
     EXPECT_EQ(lines().mid(lines().size() - 2),
               QStringList({s + "-> PBX DID NOT ACKnowkledge the Check in message:", "CHK1   101"}));
-    EXPECT_EQ(link.errorReport,
+    EXPECT_EQ(errors.errorReport(),
               s + "-> PBX DID NOT ACKnowkledge the Check in message:\nCHK1   101\n\n");
-    EXPECT_EQ(link.errorCount, 1);
+    EXPECT_EQ(errors.errorCount(), 1);
 }
 
 TEST_F(SendSequence, FrameNakedWithoutPollFailsQuickly) {
     tcpPbx.onFrame = Answer::Nak;
     int attempt = 1;
-    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Failed);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
     EXPECT_LE(pump.elapsedMs(), 6 * 100);
 }
@@ -58,12 +63,11 @@ TEST_F(SendSequence, RetryCounterIsSharedAcrossOneClick) {
     tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack, Answer::Nak,
                                Answer::Nak, Answer::Nak, Answer::Nak};
     int attempt = 1;
-    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   101", attempt),
-              Link::SendResult::Acknowledged);
+    EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Acknowledged);
     EXPECT_EQ(attempt, 2);
-    EXPECT_EQ(link.sendHotelMessage(checkOut, "CHK0   102", attempt), Link::SendResult::Failed);
+    EXPECT_EQ(send(checkOut, "CHK0   102", attempt), SendResult::Failed);
     EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
-    EXPECT_EQ(link.errorCount, 1);
+    EXPECT_EQ(errors.errorCount(), 1);
 }
 
 TEST_F(SendSequence, EnqFailureRecordsByRule) {
@@ -75,16 +79,16 @@ TEST_F(SendSequence, EnqFailureRecordsByRule) {
     for (auto& c : cases) {
         SetUp();
         log = TrafficLog();
-        link.errorReport.clear();
-        link.errorCount = 0;
+        errors.clearReport();
+        errors.resetErrors();
         tcpPbx.onEnq = Answer::Silent;
         int attempt = 1;
-        EXPECT_EQ(link.sendHotelMessage(c.rule, "X", attempt), Link::SendResult::Failed);
+        EXPECT_EQ(send(c.rule, "X", attempt), SendResult::Failed);
         const QString s = stamp();
         EXPECT_EQ(lines().last(),
                   (c.timedLog ? s : QString()) + " PBX DID NOT ACKnowkledge ENQ message");
-        EXPECT_EQ(link.errorReport, s + " PBX DID NOT ACKnowkledge ENQ message\n");
-        EXPECT_EQ(link.errorCount, c.count);
+        EXPECT_EQ(errors.errorReport(), s + " PBX DID NOT ACKnowkledge ENQ message\n");
+        EXPECT_EQ(errors.errorCount(), c.count);
         EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ)) << "no frame after a refused bid";
     }
 }
@@ -110,12 +114,12 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
         const qint64 start = pump.elapsedMs();
         const QString f = link.build_vmail_message("3", "4001", "");
         const bool acked =
-            link.sendVmailFrame(f, c.after.first(), c.logSuccess) == Link::SendResult::Acknowledged;
+            sendVmailFrame(link, f, c.after.first(), c.logSuccess) == SendResult::Acknowledged;
         EXPECT_EQ(acked, c.answer == Answer::Ack);
         EXPECT_EQ(lines(), c.after);
         EXPECT_EQ(pump.elapsedMs() - start, 2000);
         EXPECT_EQ(tcp.written.last(), f.toLatin1());
-        EXPECT_EQ(link.errorCount, 0);
+        EXPECT_EQ(errors.errorCount(), 0);
     }
 }
 

@@ -99,7 +99,7 @@ QLineEdit* MainWindow::field(Field f, int maxLength) {
     auto* e = new QLineEdit(this);
     if (maxLength > 0)
         e->setMaxLength(maxLength);
-    m_controls.bind(Fields::name(f), e);
+    m_controls.bind(fieldName(f), e);
     m_fields.bind(f, e);
     return e;
 }

@@ -1,44 +1,23 @@
 #include "protocol/vmail_frame.h"
 
 #include "protocol/frame.h"
+#include "protocol/message_catalogue.h"
 
 namespace larkspur {
-
-namespace {
-// Field widths after the code; 0 means the field is not part of the body.
-struct VmailLayout {
-    qint16 field1;
-    qint16 field2;
-};
-
-bool layoutOf(const QString& code, VmailLayout& layout) {
-    if (code == u"1")
-        layout = {0, 0};
-    else if (code == u"2" || code == u"3" || code == u"6")
-        layout = {6, 0};
-    else if (code == u"7" || code == u"A" || code == u"B" || code == u"D")
-        layout = {6, 6};
-    else if (code == u"8" || code == u"9")
-        layout = {6, 2};
-    else
-        return false;
-    return true;
-}
-} // namespace
 
 QString build_vmail_message(const QString& code, const QString& field1, const QString& field2,
                             const QString& protocolType, bool& recognized) {
     QString body = code;
-    VmailLayout layout{};
-    recognized = layoutOf(code, layout);
+    const VmailMessage* layout = findVmailMessage(code);
+    recognized = layout != nullptr;
     if (recognized) {
-        if (layout.field1 > 0) {
+        if (layout->hasMailbox) {
             QString f1 = trimBlanks(field1);
-            body += pad_field(f1, layout.field1);
+            body += pad_field(f1, mailboxWidth);
         }
-        if (layout.field2 > 0) {
+        if (layout->extraWidth > 0) {
             QString f2 = field2;
-            body += pad_field(f2, layout.field2);
+            body += pad_field(f2, layout->extraWidth);
         }
     }
     if (protocolType == u"HYATT")

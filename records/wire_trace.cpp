@@ -1,47 +1,12 @@
 #include "records/wire_trace.h"
 
+#include "protocol/message_catalogue.h"
 #include "protocol/readable_notation.h"
 
 namespace larkspur {
 
 namespace {
 const char ENQ = 5, ACK = 6, NAK = 21, STX = 2, ETX = 3;
-
-struct TypeName {
-    const char* head;
-    const char* name;
-};
-// Matched on the start of the frame body.
-const TypeName hotelTypes[] = {
-    {"CHK1", "check-in"},
-    {"CHK0", "check-out"},
-    {"NAM1", "add name"},
-    {"NAM2", "replace name"},
-    {"NAM3", "delete name"},
-    {"NAM4", "transfer name"},
-    {"MW 1", "message waiting on"},
-    {"MW 0", "message waiting off"},
-    {"LMT1", "credit limit"},
-    {"WKP", "wake-up"},
-    {"RST", "restriction"},
-    {"DPT1", "add department"},
-    {"DPT2", "replace department"},
-    {"DPT3", "delete department"},
-    {"LOC1", "add location"},
-    {"LOC2", "replace location"},
-    {"LOC3", "delete location"},
-    {"STE", "linked suite"},
-    {"AREYUTHERE", "are you there"},
-    {"GRS", "GRS"},
-    {"END", "END"},
-};
-const TypeName vmailTypes[] = {
-    {"1", "voice mail 1 resynchronize"}, {"2", "voice mail 2 check-in"},
-    {"3", "voice mail 3 check-out"},     {"6", "voice mail 6 MW status"},
-    {"7", "voice mail 7 move mailbox"},  {"8", "voice mail 8 FCOS"},
-    {"9", "voice mail 9 text MW"},       {"A", "voice mail A check-in with passcode"},
-    {"B", "voice mail B passcode"},      {"D", "voice mail D ID"},
-};
 
 // A voice-mail frame: STX, body, ETX and the check character last.
 bool checkCharacterRight(const QByteArray& frame) {
@@ -157,14 +122,14 @@ QString WireTrace::format(const WireRow& row) {
 QString WireTrace::messageType(const QByteArray& frame, bool vmail) {
     const QByteArray body = frame.mid(1);
     if (vmail) {
-        for (const TypeName& t : vmailTypes)
-            if (body.startsWith(t.head))
-                return QString::fromLatin1(t.name);
+        if (const VmailMessage* message = findVmailMessage(QString::fromLatin1(body.left(1))))
+            return message->name;
         return QStringLiteral("voice mail ") + toReadable(body.left(1));
     }
-    for (const TypeName& t : hotelTypes)
-        if (body.startsWith(t.head))
-            return QString::fromLatin1(t.name);
+    const QString text = QString::fromLatin1(body);
+    for (const HotelMessage& message : hotelMessages())
+        if (text.startsWith(message.code))
+            return message.name;
     return QString::fromLatin1(body.left(4)).trimmed();
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/event_pump.h"
 #include "core/operator_interface.h"
+#include "protocol/expectation_items.h"
 #include "protocol/frame.h"
 #include "transactions/field_validation.h"
 #include "transactions/session.h"
@@ -11,34 +12,6 @@
 namespace larkspur {
 
 namespace {
-const QStringList controlItems = {"ack", "nak", "enq", "rti"};
-
-struct RoomItem {
-    const char* item;
-    const char* expected;       // the message text before the room
-    const char* recordedPlain;  // after "WAIT "
-    const char* recordedNotice; // after "NTFY "
-};
-
-// Checked in this order; "alt" records differently for the two waits, and the notice form is
-// one the runner passes over.
-const RoomItem roomItems[] = {
-    {"mr", "MR 0001", "MR 0001", "MR 0001"}, {"mw0", "MW 0 ", "MW 0 ", "MW 0 "},
-    {"mw1", "MW 1 ", "MW 1 ", "MW 1 "},      {"sts1", "STS1 ", "STS1 ", "STS1 "},
-    {"sts2", "STS2 ", "STS2 ", "STS2 "},     {"sts3", "STS3 ", "STS3 ", "STS3 "},
-    {"sts4", "STS4 ", "STS4 ", "STS4 "},     {"sts5", "STS5 ", "STS5 ", "STS5 "},
-    {"sts6", "STS6 ", "STS6 ", "STS6 "},     {"sts7", "STS7 ", "STS7 ", "STS7 "},
-    {"sts8", "STS8 ", "STS8 ", "STS8 "},     {"sts9", "STS9 ", "STS9 ", "STS9 "},
-    {"alt", "ALT1 ", "ALT ", "ATL "},
-};
-
-const RoomItem* roomItem(const QString& item) {
-    for (const RoomItem& r : roomItems)
-        if (item == QLatin1String(r.item))
-            return &r;
-    return nullptr;
-}
-
 // 0 means no limit; a digit that is not one counts as 5, and is recorded so.
 int waitSeconds(QString& digit) {
     if (digit.size() == 1 && digit.at(0).isDigit() && digit.at(0).unicode() < 128)
@@ -51,25 +24,24 @@ bool matches(const Session& session, const QString& item) {
     const Link& link = session.link;
     if (link.lastControl() == item)
         return true;
-    const RoomItem* expected = roomItem(item);
-    if (!expected)
+    const ExpectationItem* expected = findExpectationItem(item);
+    if (!expected || !expected->hasRoom())
         return false;
     const QString room =
         verify_string(session.fields.text(Field::txt_suite_1), 5, QStringLiteral("R"));
-    return link.lastControl() ==
-           start_of_text() + QLatin1String(expected->expected) + room + end_of_text();
+    return link.lastControl() == start_of_text() + expected->expected + room + end_of_text();
 }
 } // namespace
 
 bool isExpectationItem(const QString& item) {
-    return controlItems.contains(item) || roomItem(item) != nullptr;
+    return findExpectationItem(item) != nullptr;
 }
 
 QString recordedExpectation(const QString& item, const QString& room, bool withNotice) {
-    const RoomItem* r = roomItem(item);
-    if (!r)
+    const ExpectationItem* entry = findExpectationItem(item);
+    if (!entry || !entry->hasRoom())
         return item;
-    return QLatin1String(withNotice ? r->recordedNotice : r->recordedPlain) + room;
+    return (withNotice ? entry->recordedNotice : entry->recordedPlain) + room;
 }
 
 void runExpectationWait(Session& session, WaitKind kind, const QString& item, QString digit) {

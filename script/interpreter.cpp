@@ -3,6 +3,7 @@
 #include "core/event_pump.h"
 #include "core/operator_interface.h"
 #include "core/pause.h"
+#include "protocol/expectation_items.h"
 #include "protocol/frame.h"
 #include "protocol/readable_notation.h"
 #include "script/expectation_waits.h"
@@ -35,19 +36,6 @@ struct Cursor {
     }
 };
 
-struct Expectation {
-    const char* head; // the four characters after "WAIT " / "NTFY "
-    const char* item;
-    int roomOffset; // from the start of the head; 0 for control items
-};
-
-const Expectation expectations[] = {
-    {"ack ", "ack", 0},  {"nak ", "nak", 0},  {"enq ", "enq", 0},  {"rti ", "rti", 0},
-    {"MR 0", "mr", 7},   {"MW 0", "mw0", 5},  {"MW 1", "mw1", 5},  {"STS1", "sts1", 5},
-    {"STS2", "sts2", 5}, {"STS3", "sts3", 5}, {"STS4", "sts4", 5}, {"STS5", "sts5", 5},
-    {"STS6", "sts6", 5}, {"STS7", "sts7", 5}, {"STS8", "sts8", 5}, {"STS9", "sts9", 5},
-    {"ALT ", "alt", 4},
-};
 } // namespace
 
 void ScriptEngine::restoreButtonsAfterRun() {
@@ -90,7 +78,7 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
             const qsizetype lineStart = vmail ? start - 1 : start;
             Q_EMIT commandStarted(cursor.lineFrom(lineStart, vmail), script.fileLineAt(lineStart));
             const qsizetype base = vmail ? cursor.pos : start;
-            for (const FieldCopy& copy : command->copies)
+            for (const FieldColumn& copy : command->copies)
                 s.fields.setText(copy.field, cursor.at(base + copy.column - 1, copy.width));
             command->press(s);
             if (vmail) {
@@ -107,7 +95,7 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
                 }
                 cursor.pos = tilde + 1 + 4;
             } else {
-                const FieldCopy& last = command->copies.last();
+                const FieldColumn& last = command->copies.last();
                 cursor.pos = base + last.column - 1 + last.width + 2;
             }
             Q_EMIT commandFinished();
@@ -118,21 +106,18 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
             Q_EMIT commandFinished();
         } else if (!vmail && (word == u"NTFY" || word == u"WAIT")) {
             const QString head = cursor.at(start + 5, 4);
-            const Expectation* e = nullptr;
-            for (const Expectation& candidate : expectations)
-                if (head == QLatin1String(candidate.head))
-                    e = &candidate;
+            const ExpectationItem* e = findExpectationByScriptHead(head);
             // An expectation it does not know is passed over, and the next command is read
             // from where this one's expectation began.
             if (e) {
                 Q_EMIT commandStarted(cursor.lineFrom(start, vmail), script.fileLineAt(start));
                 qsizetype digitAt = start + 5 + 4;
-                if (e->roomOffset > 0) {
-                    s.fields.setText(Field::txt_suite_1, cursor.at(start + 5 + e->roomOffset, 5));
-                    digitAt = start + 5 + e->roomOffset + 5 + 1;
+                if (e->roomOffset() > 0) {
+                    s.fields.setText(Field::txt_suite_1, cursor.at(start + 5 + e->roomOffset(), 5));
+                    digitAt = start + 5 + e->roomOffset() + 5 + 1;
                 }
                 runExpectationWait(s, word == u"WAIT" ? WaitKind::Plain : WaitKind::WithNotice,
-                                   QLatin1String(e->item), cursor.at(digitAt, 1));
+                                   e->item, cursor.at(digitAt, 1));
                 cursor.pos = digitAt + 1 + 2;
                 Q_EMIT commandFinished();
             }

@@ -1,5 +1,6 @@
 // Recording: the two recording buttons and the expectation lists.
 #include "core/operator_interface.h"
+#include "protocol/expectation_items.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"
@@ -29,9 +30,12 @@ QString waitDigit(const QString& time) {
 } // namespace
 
 const QStringList& ScriptEngine::expectationItems() {
-    static const QStringList items = {"ack",  "nak",  "enq",  "rti",  "mr",   "mw1",
-                                      "mw0",  "sts1", "sts2", "sts3", "sts4", "sts5",
-                                      "sts6", "sts7", "sts8", "sts9", "alt"};
+    static const QStringList items = [] {
+        QStringList names;
+        for (const ExpectationItem& entry : larkspur::expectationItems())
+            names << entry.item;
+        return names;
+    }();
     return items;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transactions/fields.h"
+#include "protocol/message_catalogue.h"
 
 #include <QList>
 #include <QString>
@@ -11,18 +11,11 @@ namespace larkspur {
 
 class Session;
 
-// Where a replayed command finds a field in its line: 1-based column and width.
-struct FieldCopy {
-    int column;
-    int width;
-    Field field;
-};
-
 // One replayable command: the word (four characters in hotel scripts, the function code in
 // voice-mail ones), the fields it copies into the input fields, and the button it presses.
 struct ScriptCommand {
     QString word;
-    QList<FieldCopy> copies;
+    QList<FieldColumn> copies;
     std::function<void(Session&)> press;
 };
 

@@ -7,21 +7,8 @@
 namespace larkspur {
 
 namespace {
-
-const HotelTransaction checkIn{
-    .rule = {.logPrefix = QStringLiteral("Sending     -->"),
-             .failureSentence = QStringLiteral("-> PBX DID NOT ACKnowkledge the Check in message:"),
-             .ackNeedsPoll = true},
-    .body = headerAndRoom(QStringLiteral("CHK1 ")),
-};
-
-const HotelTransaction checkOut{
-    .rule = {.logPrefix = QStringLiteral("Sending   -->"),
-             .failureSentence =
-                 QStringLiteral("-> PBX DID NOT ACKnowkledge the Check out message:")},
-    .body = headerAndRoom(QStringLiteral("CHK0 ")),
-};
-
+const HotelTransaction checkIn = roomTransaction(QStringLiteral("CHK1"));
+const HotelTransaction checkOut = roomTransaction(QStringLiteral("CHK0"));
 } // namespace
 
 void Session::cmd_chk_in() {

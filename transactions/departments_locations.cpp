@@ -16,31 +16,16 @@ QString textForm(const QString& trimmed) {
 const ExtraField department{Field::txt_department, textForm, QStringLiteral("Invalid Department!")};
 const ExtraField location{Field::txt_location, textForm, QStringLiteral("Invalid Location!")};
 
-HotelTransaction textTransaction(const ExtraField& text, const QString& logPrefix,
-                                 const QString& header, const QString& failureSentence) {
-    return {.rule = {.logPrefix = logPrefix, .failureSentence = failureSentence},
-            .body = headerTextAndRoom(header),
-            .extras = {text}};
+HotelTransaction textTransaction(const ExtraField& text, const QString& code) {
+    return {.rule = sendRule(code), .body = codeTextAndRoom(code), .extras = {text}};
 }
 
-const HotelTransaction addDepartment =
-    textTransaction(department, QStringLiteral("Sending  -->"), QStringLiteral("DPT1 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the add department message:"));
-const HotelTransaction replaceDepartment =
-    textTransaction(department, QStringLiteral("Sending   -->"), QStringLiteral("DPT2 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the replace department message:"));
-const HotelTransaction deleteDepartment =
-    textTransaction(department, QStringLiteral("Sending   -->"), QStringLiteral("DPT3 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the delete department message:"));
-const HotelTransaction addLocation =
-    textTransaction(location, QStringLiteral("Sending  -->"), QStringLiteral("LOC1 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the add location message:"));
-const HotelTransaction replaceLocation =
-    textTransaction(location, QStringLiteral("Sending  -->"), QStringLiteral("LOC2 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the replace location message:"));
-const HotelTransaction deleteLocation =
-    textTransaction(location, QStringLiteral("Sending  -->"), QStringLiteral("LOC3 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the delete location message:"));
+const HotelTransaction addDepartment = textTransaction(department, QStringLiteral("DPT1"));
+const HotelTransaction replaceDepartment = textTransaction(department, QStringLiteral("DPT2"));
+const HotelTransaction deleteDepartment = textTransaction(department, QStringLiteral("DPT3"));
+const HotelTransaction addLocation = textTransaction(location, QStringLiteral("LOC1"));
+const HotelTransaction replaceLocation = textTransaction(location, QStringLiteral("LOC2"));
+const HotelTransaction deleteLocation = textTransaction(location, QStringLiteral("LOC3"));
 
 } // namespace
 

@@ -1,16 +1,31 @@
 #include "transactions/hotel_pattern.h"
 
+#include "protocol/message_catalogue.h"
 #include "transactions/field_validation.h"
 #include "transactions/session.h"
 
 namespace larkspur {
 
-MessageText headerAndRoom(const QString& header) {
-    return [header](const RoomMessage& m) { return header + m.room; };
+HotelMessageRule sendRule(const QString& code) {
+    const HotelMessage& message = hotelMessage(code);
+    return {.logPrefix = message.logPrefix,
+            .failureSentence = message.failureSentence,
+            .ackNeedsPoll = message.ackNeedsPoll,
+            .enqFailureCounts = message.enqFailureCounts,
+            .enqFailureLogTimed = message.enqFailureLogTimed};
 }
 
-MessageText headerTextAndRoom(const QString& header) {
-    return [header](const RoomMessage& m) { return header + m.extras.at(0) + m.room; };
+MessageText codeAndRoom(const QString& code) {
+    return [header = code + u' '](const RoomMessage& m) { return header + m.room; };
+}
+
+MessageText codeTextAndRoom(const QString& code) {
+    return
+        [header = code + u' '](const RoomMessage& m) { return header + m.extras.at(0) + m.room; };
+}
+
+HotelTransaction roomTransaction(const QString& code) {
+    return {.rule = sendRule(code), .body = codeAndRoom(code)};
 }
 
 QString roomForm(const QString& trimmed) {

@@ -44,9 +44,15 @@ struct HotelTransaction {
     QString noRoomLine = QStringLiteral("no valid room number");
 };
 
-// Bodies of the common shapes: header + room, and header + first extra + room.
-MessageText headerAndRoom(const QString& header);
-MessageText headerTextAndRoom(const QString& header);
+// The send rule of the catalogue's message `code`.
+HotelMessageRule sendRule(const QString& code);
+
+// Bodies of the common shapes: code, blank, room; and code, blank, first extra, room.
+MessageText codeAndRoom(const QString& code);
+MessageText codeTextAndRoom(const QString& code);
+
+// A transaction of the catalogue's message `code` whose body is code, blank and room.
+HotelTransaction roomTransaction(const QString& code);
 
 // A room number in its sent form: five characters, right-justified; NotValid otherwise.
 QString roomForm(const QString& trimmed);

@@ -12,11 +12,7 @@ namespace larkspur {
 namespace {
 
 // A refused line bid is logged and recorded but not counted; five unanswered frames are.
-const HotelMessageRule suiteRule{
-    .logPrefix = QStringLiteral("Sending    -->"),
-    .failureSentence = QStringLiteral("-> PBX DID NOT ACKnowkledge the link suite message:"),
-    .enqFailureCounts = false,
-};
+const HotelMessageRule suiteRule = sendRule(QStringLiteral("STE"));
 
 // One field of the message in its sent form, what follows it, and what is logged when invalid.
 struct SuiteField {

@@ -17,28 +17,17 @@ const ExtraField guestName{Field::Text1, nameForm, QStringLiteral("Invalid Name!
 const ExtraField transferRoom{Field::txt_suite_2, roomForm,
                               QStringLiteral("Invalid Transfer Room Number!")};
 
-HotelTransaction nameTransaction(const QString& logPrefix, const QString& header,
-                                 const QString& failureSentence) {
-    return {.rule = {.logPrefix = logPrefix, .failureSentence = failureSentence},
-            .body = headerTextAndRoom(header),
-            .extras = {guestName}};
+HotelTransaction nameTransaction(const QString& code) {
+    return {.rule = sendRule(code), .body = codeTextAndRoom(code), .extras = {guestName}};
 }
 
-const HotelTransaction addName =
-    nameTransaction(QStringLiteral("Sending  -->"), QStringLiteral("NAM1 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the Add name message:"));
-const HotelTransaction replaceName =
-    nameTransaction(QStringLiteral("Sending   -->"), QStringLiteral("NAM2 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the replace name message:"));
-const HotelTransaction deleteName =
-    nameTransaction(QStringLiteral("Sending   -->"), QStringLiteral("NAM3 "),
-                    QStringLiteral("-> PBX DID NOT ACKnowkledge the delete message:"));
+const HotelTransaction addName = nameTransaction(QStringLiteral("NAM1"));
+const HotelTransaction replaceName = nameTransaction(QStringLiteral("NAM2"));
+const HotelTransaction deleteName = nameTransaction(QStringLiteral("NAM3"));
 
 // The transfer room is checked before the name, but sent after the room.
 const HotelTransaction transferName{
-    .rule = {.logPrefix = QStringLiteral("Sending   -->"),
-             .failureSentence =
-                 QStringLiteral("-> PBX DID NOT ACKnowkledge the transfer name message:")},
+    .rule = sendRule(QStringLiteral("NAM4")),
     .body =
         [](const RoomMessage& m) {
             return QStringLiteral("NAM4 ") + m.extras.at(1) + m.room + m.extras.at(0);

@@ -9,30 +9,17 @@ namespace larkspur {
 
 namespace {
 
-HotelMessageRule featureRule(const QString& failureSentence) {
-    return {.logPrefix = QStringLiteral("Sending  -->"), .failureSentence = failureSentence};
-}
-
 QString wakeupForm(const QString& trimmed) {
     QString time = trimmed;
     return get_wakeup_time(time);
 }
 
-const HotelTransaction messageWaitingOn{
-    .rule =
-        featureRule(QStringLiteral("-> PBX DID NOT ACKnowkledge the message waiting on message:")),
-    .body = headerAndRoom(QStringLiteral("MW 1 ")),
-};
-
-const HotelTransaction messageWaitingOff{
-    .rule =
-        featureRule(QStringLiteral("-> PBX DID NOT ACKnowkledge the message waiting off message:")),
-    .body = headerAndRoom(QStringLiteral("MW 0 ")),
-};
+const HotelTransaction messageWaitingOn = roomTransaction(QStringLiteral("MW 1"));
+const HotelTransaction messageWaitingOff = roomTransaction(QStringLiteral("MW 0"));
 
 // A bad amount deliberately reuses the name transaction's sentence.
 const HotelTransaction setCredit{
-    .rule = featureRule(QStringLiteral("-> PBX DID NOT ACKnowkledge the credit limit msg:")),
+    .rule = sendRule(QStringLiteral("LMT1")),
     .body =
         [](const RoomMessage& m) {
             return QStringLiteral("LMT1 ") + m.room + u' ' + m.extras.at(0);
@@ -42,20 +29,11 @@ const HotelTransaction setCredit{
 
 // The frame carries no blank after "WKP"; the failure lines do.
 const HotelTransaction wakeUp{
-    .rule = featureRule(QStringLiteral("-> PBX DID NOT ACKnowkledge the wakeup message:")),
+    .rule = sendRule(QStringLiteral("WKP")),
     .body = [](const RoomMessage& m) { return QStringLiteral("WKP") + m.extras.at(0) + m.room; },
     .extras = {{Field::txt_time, wakeupForm, QStringLiteral("Invalid Time!")}},
     .reported =
         [](const RoomMessage& m) { return QStringLiteral("WKP ") + m.extras.at(0) + m.room; },
-};
-
-// The restriction send logs its refused line bid untimed and does not count it.
-const HotelMessageRule restrictionRule{
-    .logPrefix = QStringLiteral("Send     -->"),
-    .failureSentence =
-        QStringLiteral("-> PBX DID NOT ACKnowkledge the Station Restriction Message:"),
-    .enqFailureCounts = false,
-    .enqFailureLogTimed = false,
 };
 
 // The texts of the restriction list and the level each one sends.
@@ -103,8 +81,8 @@ void Session::cmb_restrict_Click() {
 }
 
 void Session::send_station_restriction(const QString& level) {
-    sendToRooms(*this, {.rule = restrictionRule,
-                        .body = headerAndRoom(QStringLiteral("RST") + level + u' '),
+    sendToRooms(*this, {.rule = sendRule(QStringLiteral("RST")),
+                        .body = codeAndRoom(QStringLiteral("RST") + level),
                         .noRoomLine = QStringLiteral("No valid room number")});
 }
 

@@ -4,17 +4,18 @@ namespace larkspur {
 
 class Session;
 
-// The mailbox operations that nine hotel buttons carry in voice-mail mode.
-enum class VmailOperation {
-    CheckIn,             // Check In
-    CheckOut,            // Check Out
-    QueryMessageWaiting, // Add Name
-    MoveMailbox,         // Delete Name
-    TextMessageWaiting,  // Replace Name
-    CheckInWithPasscode, // Transfer Name
-    ChangePasscode,      // Add Depart.
-    ChangeId,            // Replace Depart.
-    ModifyFcos,          // Delete Depart.
+// The mailbox operations that nine hotel buttons carry in voice-mail mode, each valued as its
+// function code in the message catalogue.
+enum class VmailOperation : char {
+    CheckIn = '2',             // Check In
+    CheckOut = '3',            // Check Out
+    QueryMessageWaiting = '6', // Add Name
+    MoveMailbox = '7',         // Delete Name
+    TextMessageWaiting = '9',  // Replace Name
+    CheckInWithPasscode = 'A', // Transfer Name
+    ChangePasscode = 'B',      // Add Depart.
+    ChangeId = 'D',            // Replace Depart.
+    ModifyFcos = '8',          // Delete Depart.
 };
 
 // Those buttons switch to their mailbox operation in any mode but HOTEL.

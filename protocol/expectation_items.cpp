@@ -1,0 +1,52 @@
+#include "protocol/expectation_items.h"
+
+namespace larkspur {
+
+QString ExpectationItem::scriptHead() const {
+    return hasRoom() ? recordedPlain.left(4) : item + u' ';
+}
+
+int ExpectationItem::roomOffset() const {
+    return hasRoom() ? int(recordedPlain.size()) : 0;
+}
+
+const QList<ExpectationItem>& expectationItems() {
+    // A control item is met by the control the receiver names; the others by the message with
+    // the room of the first room field. "alt" records differently for the two waits.
+    static const QList<ExpectationItem> items = {
+        {"ack", {}, "ack", "ack"},
+        {"nak", {}, "nak", "nak"},
+        {"enq", {}, "enq", "enq"},
+        {"rti", {}, "rti", "rti"},
+        {"mr", "MR 0001", "MR 0001", "MR 0001"},
+        {"mw1", "MW 1 ", "MW 1 ", "MW 1 "},
+        {"mw0", "MW 0 ", "MW 0 ", "MW 0 "},
+        {"sts1", "STS1 ", "STS1 ", "STS1 "},
+        {"sts2", "STS2 ", "STS2 ", "STS2 "},
+        {"sts3", "STS3 ", "STS3 ", "STS3 "},
+        {"sts4", "STS4 ", "STS4 ", "STS4 "},
+        {"sts5", "STS5 ", "STS5 ", "STS5 "},
+        {"sts6", "STS6 ", "STS6 ", "STS6 "},
+        {"sts7", "STS7 ", "STS7 ", "STS7 "},
+        {"sts8", "STS8 ", "STS8 ", "STS8 "},
+        {"sts9", "STS9 ", "STS9 ", "STS9 "},
+        {"alt", "ALT1 ", "ALT ", "ATL "},
+    };
+    return items;
+}
+
+const ExpectationItem* findExpectationItem(const QString& item) {
+    for (const ExpectationItem& entry : expectationItems())
+        if (entry.item == item)
+            return &entry;
+    return nullptr;
+}
+
+const ExpectationItem* findExpectationByScriptHead(const QString& head) {
+    for (const ExpectationItem& entry : expectationItems())
+        if (entry.scriptHead() == head)
+            return &entry;
+    return nullptr;
+}
+
+} // namespace larkspur

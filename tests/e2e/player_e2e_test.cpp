@@ -1,5 +1,5 @@
 // larkspur-run against the real simulator over loopback TCP: exit statuses and output.
-#include "common/pbxsim_process.h"
+#include "common/player_fixture.h"
 #include "protocol/readable_notation.h"
 
 #include <QElapsedTimer>
@@ -15,54 +15,7 @@ using namespace larkspur::test;
 
 namespace {
 
-class Player : public ::testing::Test {
-protected:
-    QTemporaryDir home;
-    QProcess run;
-    QByteArray out, err;
-
-    void SetUp() override {
-        // A settings store of its own, so an engineer's stored settings never leak in.
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("HOME", home.path());
-        env.insert("XDG_CONFIG_HOME", home.path());
-        run.setProcessEnvironment(env);
-        QObject::connect(&run, &QProcess::readyReadStandardOutput,
-                         [this] { out += run.readAllStandardOutput(); });
-        QObject::connect(&run, &QProcess::readyReadStandardError,
-                         [this] { err += run.readAllStandardError(); });
-    }
-    QString script(const QByteArray& content) {
-        const QString path = home.filePath("script.txt");
-        QFile f(path);
-        f.open(QIODevice::WriteOnly);
-        f.write(content);
-        return path;
-    }
-    void start(const QStringList& arguments) {
-        run.start(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
-        ASSERT_TRUE(run.waitForStarted());
-    }
-    // Runs to the end (bounded) and gives the exit status.
-    int finish(int timeoutMs = 120'000) {
-        waitUntil([this] { return run.state() == QProcess::NotRunning; }, timeoutMs);
-        if (run.state() != QProcess::NotRunning) {
-            run.kill();
-            run.waitForFinished();
-            return -1;
-        }
-        return run.exitStatus() == QProcess::NormalExit ? run.exitCode() : -2;
-    }
-    QStringList outLines() const {
-        return QString::fromLatin1(out).split('\n', Qt::SkipEmptyParts);
-    }
-    QStringList errLines() const {
-        return QString::fromLatin1(err).split('\n', Qt::SkipEmptyParts);
-    }
-    QString tcp(const PbxSimProcess& sim) const {
-        return QStringLiteral("127.0.0.1:%1").arg(sim.port());
-    }
-};
+using Player = PlayerFixture;
 
 // The simulator options an example names in its "; simulator:" comment.
 QStringList simulatorArguments(const QString& example) {

@@ -1,6 +1,6 @@
 // larkspur-run when reality leans on it: scripts that are pipes, FIFOs, devices or huge; a PBX
 // that hangs up; reports that cannot be written. Every way out ends cleanly, reports written.
-#include "common/pbxsim_process.h"
+#include "common/player_fixture.h"
 
 #include <QFile>
 #include <QProcess>
@@ -23,53 +23,16 @@ using namespace larkspur::test;
 
 namespace {
 
-class PlayerHostile : public ::testing::Test {
+class PlayerHostile : public PlayerFixture {
 protected:
-    QTemporaryDir home;
-    QProcess run;
-    QByteArray out, err;
-
-    void SetUp() override {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("HOME", home.path());
-        env.insert("XDG_CONFIG_HOME", home.path());
-        run.setProcessEnvironment(env);
-        QObject::connect(&run, &QProcess::readyReadStandardOutput,
-                         [this] { out += run.readAllStandardOutput(); });
-        QObject::connect(&run, &QProcess::readyReadStandardError,
-                         [this] { err += run.readAllStandardError(); });
-    }
-    QString file(const QString& name, const QByteArray& content) {
-        const QString path = home.filePath(name);
-        QFile f(path);
-        f.open(QIODevice::WriteOnly);
-        f.write(content);
-        return path;
-    }
-    void start(const QStringList& arguments) {
-        run.start(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
-        ASSERT_TRUE(run.waitForStarted());
-    }
     // larkspur-run started by bash, so that a script can be a process substitution.
     void startInShell(const QString& command, const QStringList& arguments) {
         run.start("bash", QStringList{"-c", command, LARKSPUR_RUN_PATH} + arguments);
         ASSERT_TRUE(run.waitForStarted());
     }
-    int finish(int timeoutMs = 60'000) {
-        waitUntil([this] { return run.state() == QProcess::NotRunning; }, timeoutMs);
-        if (run.state() != QProcess::NotRunning) {
-            run.kill();
-            run.waitForFinished();
-            return -1;
-        }
-        return run.exitStatus() == QProcess::NormalExit ? run.exitCode() : -2;
-    }
     QByteArray contentOf(const QString& path) {
         QFile f(path);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
-    static QString tcp(const PbxSimProcess& sim) {
-        return QStringLiteral("127.0.0.1:%1").arg(sim.port());
     }
 };
 

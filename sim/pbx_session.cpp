@@ -1,18 +1,18 @@
 #include "sim/pbx_session.h"
 
+#include "core/event_pump.h"
 #include "protocol/frame.h"
 #include "protocol/readable_notation.h"
 #include "sim/peer.h"
 #include "sim/tracer.h"
 
-#include <QTimer>
-
 #include <cmath>
 
 namespace larkspur::sim {
 
-PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, QObject* parent)
-    : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer),
+PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, EventPump& pump,
+                       QObject* parent)
+    : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer), m_pump(pump),
       m_reader(options.mode == Mode::Vmail) {
     connect(&m_peer, &Peer::received, this, &PbxSession::onReceived);
 }
@@ -67,9 +67,8 @@ void PbxSession::answer(Answer how) {
 }
 
 void PbxSession::sendLater(double seconds, const QByteArray& bytes) {
-    // The session is the timer's context, so a console that leaves cancels it.
-    QTimer::singleShot(int(std::lround(seconds * 1000)), Qt::PreciseTimer, this,
-                       [this, bytes] { send(bytes); });
+    // The session is the task's context, so a console that leaves cancels it.
+    m_pump.schedule(std::lround(seconds * 1000), this, [this, bytes] { send(bytes); });
 }
 
 } // namespace larkspur::sim

@@ -38,7 +38,7 @@ void PbxSession::onReceived(const QByteArray& bytes) {
 void PbxSession::handle(const WireUnit& unit) {
     switch (unit.kind) {
     case WireUnit::Kind::Enq:
-        answer(m_options.onEnq);
+        answer(m_options.firstEnqAnswers, m_options.onEnq, m_enqsAnswered);
         break;
     case WireUnit::Kind::Ack:
     case WireUnit::Kind::Nak:
@@ -50,20 +50,27 @@ void PbxSession::handle(const WireUnit& unit) {
                                      toReadable(QByteArray(1, unit.expectedCheck))));
         else if (unit.checked)
             m_tracer.status(QStringLiteral("BCC ok"));
-        answer(m_options.onFrame);
+        answer(m_options.firstFrameAnswers, m_options.onFrame, m_framesAnswered);
+        // Follow-ups count from the answer, so they never overtake it.
         for (const FollowUp& followUp : m_options.after) {
             if (unit.text.startsWith(followUp.match))
-                sendLater(followUp.seconds, followUp.bytes);
+                sendLater(m_options.answerDelaySeconds + followUp.seconds, followUp.bytes);
         }
         break;
     }
 }
 
-void PbxSession::answer(Answer how) {
-    if (how == Answer::Ack)
-        send(QByteArray(1, char(ctl::ACK)));
-    else if (how == Answer::Nak)
-        send(QByteArray(1, char(ctl::NAK)));
+void PbxSession::answer(const QList<Answer>& first, Answer then, int& answered) {
+    const Answer how = answered < first.size() ? first.at(answered++) : then;
+    if (how == Answer::Silent)
+        return;
+    const QByteArray bytes(1, char(how == Answer::Ack ? ctl::ACK : ctl::NAK));
+    // Without a delay the answer goes out while the read is handled, ahead of anything the
+    // event loop has waiting.
+    if (m_options.answerDelaySeconds == 0)
+        send(bytes);
+    else
+        sendLater(m_options.answerDelaySeconds, bytes);
 }
 
 void PbxSession::sendLater(double seconds, const QByteArray& bytes) {

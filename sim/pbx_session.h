@@ -34,7 +34,7 @@ public:
 private:
     void onReceived(const QByteArray& bytes);
     void handle(const WireUnit& unit);
-    void answer(Answer how);
+    void answer(const QList<Answer>& first, Answer then, int& answered);
     void sendLater(double seconds, const QByteArray& bytes);
 
     Peer& m_peer;
@@ -42,6 +42,9 @@ private:
     Tracer& m_tracer;
     EventPump& m_pump;
     WireReader m_reader;
+    // ENQs and frames answered so far, while they still count in the lists of first answers.
+    int m_enqsAnswered = 0;
+    int m_framesAnswered = 0;
 };
 
 } // namespace larkspur::sim

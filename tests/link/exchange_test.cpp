@@ -3,14 +3,14 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
 class Exchange : public LinkFixture {};
 
 TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
-    tcpPbx.onEnq = Answer::Nak;
+    tcpPbx.options.onEnq = Answer::Nak;
     link.send_enq();
     EXPECT_TRUE(link.ackFailed);
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
@@ -22,7 +22,7 @@ TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
 }
 
 TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     link.send_enq();
     EXPECT_TRUE(link.ackFailed);
     EXPECT_EQ(tcp.written.size(), 5);
@@ -66,7 +66,7 @@ TEST_F(Exchange, WaitForAckErrorLines) {
     for (auto& c : cases) {
         LinkFixture::SetUp();
         log = TrafficLog();
-        tcpPbx.onEnq = c.answer;
+        tcpPbx.options.onEnq = c.answer;
         link.send_text(QString(QChar(5)));
         link.wait_for_ack(true);
         EXPECT_EQ(link.ackFailed, c.failed) << c.name;
@@ -76,7 +76,7 @@ TEST_F(Exchange, WaitForAckErrorLines) {
 
 TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
     link.lastControl = "ACK";
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     EXPECT_TRUE(link.poll_for_ack(true));
     EXPECT_EQ(pump.elapsedMs(), 0);
     EXPECT_FALSE(link.waitingForAck);
@@ -105,7 +105,7 @@ TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
 }
 
 TEST_F(Exchange, ConnectionTestAgainstARefusingPbxSendsTenEnqs) {
-    tcpPbx.onEnq = Answer::Nak;
+    tcpPbx.options.onEnq = Answer::Nak;
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NoResponse);
     EXPECT_EQ(tcp.written, QList<QByteArray>(10, ENQ));
     EXPECT_EQ(lines().last(), "No response from PBX");
@@ -134,7 +134,7 @@ TEST_F(Exchange, TextGoesOutOneByteACharacter) {
 namespace {
 
 TEST_F(Exchange, StopRequestUnwindsEveryWait) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     pump.schedule(1200, [&] { pump.requestStop(); });
     link.send_enq();
     EXPECT_TRUE(link.ackFailed);

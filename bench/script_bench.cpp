@@ -1,11 +1,11 @@
-// The script engine: reading a long script, and replaying commands against the fake PBX in
+// The script engine: reading a long script, and replaying commands against the simulated PBX in
 // virtual time (so only the engine's own cost is measured).
 #include "bench_common.h"
 #include "quiet_operator.h"
 
 #include "core/virtual_event_pump.h"
-#include "doubles/fake_pbx.h"
 #include "doubles/fake_transport.h"
+#include "doubles/simulated_pbx.h"
 #include "script/script_engine.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"
@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
         larkspur::FakeTransport tcp(pump, QStringLiteral("tcp"));
         larkspur::FakeTransport serial(pump, QStringLiteral("serial"));
         larkspur::Session session(pump, op, tcp, serial);
-        larkspur::FakePbx pbx(tcp);
+        larkspur::SimulatedPbx pbx(pump, tcp);
         larkspur::ScriptEngine engine(session);
         tcp.connectToHost(QStringLiteral("127.0.0.1"), 1);
         pump.processEvents();
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
             return 1;
     }
     bench::row(
-        "script: replay 1,000 commands, fake PBX, virtual time",
+        "script: replay 1,000 commands, simulated PBX, virtual time",
         bench::fmt("%.1f ms real (%.0f s virtual)", bench::median(replays) * 1000, virtualSeconds),
         "-", true);
     return 0;

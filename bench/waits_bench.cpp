@@ -35,10 +35,11 @@ int main(int argc, char** argv) {
          }},
         {"voice-mail answer pause", 2.0, 5,
          [](bench::Console& c) {
-             c.session.link.sendVmailFrame(QStringLiteral("\x02"
-                                                          "24001  \x03"
-                                                          "4"),
-                                           QStringLiteral("CHECK IN: 4001"), false);
+             larkspur::sendVmailFrame(c.session.link,
+                                      QStringLiteral("\x02"
+                                                     "24001  \x03"
+                                                     "4"),
+                                      QStringLiteral("CHECK IN: 4001"), false);
          }},
         {"script pacing pause", 1.0, 5,
          [](bench::Console& c) { larkspur::pause_seconds(c.pump, 1.0f); }},

@@ -2,6 +2,10 @@
 
 #include <QDateTime>
 
+#include <functional>
+
+class QObject;
+
 namespace larkspur {
 
 // Every wait of the console goes through this interface, so the real program blocks in its
@@ -22,6 +26,11 @@ public:
     // Returns true as soon as an event is pending (without handling it necessarily), or false
     // once `milliseconds` have passed with none. With 0 it only looks.
     virtual bool waitForEvent(int milliseconds) = 0;
+
+    // Runs `task` once, `delayMs` from now, inside whichever event processing or wait reaches
+    // that time; never once `context` is destroyed, so its owner need not cancel it. Tasks due
+    // at the same time run in the order they were scheduled.
+    virtual void schedule(qint64 delayMs, QObject* context, std::function<void()> task) = 0;
 
     // Asked when the console closes: every pause and wait then ends at its next look, so the
     // nested waits unwind before anything is torn down.

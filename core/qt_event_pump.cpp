@@ -5,6 +5,8 @@
 #include <QThread>
 #include <QTimer>
 
+#include <chrono>
+
 namespace larkspur {
 
 namespace {
@@ -58,6 +60,11 @@ bool QtEventPump::waitForEvent(int milliseconds) {
             break;
     }
     return !timedOut;
+}
+
+void QtEventPump::schedule(qint64 delayMs, QObject* context, std::function<void()> task) {
+    QTimer::singleShot(std::chrono::milliseconds(qMax<qint64>(0, delayMs)), Qt::PreciseTimer,
+                       context, std::move(task));
 }
 
 } // namespace larkspur

@@ -19,6 +19,7 @@ public:
     QDateTime currentDateTime() const override;
     void processEvents() override;
     bool waitForEvent(int milliseconds) override;
+    void schedule(qint64 delayMs, QObject* context, std::function<void()> task) override;
 
 private:
     // A monotonic clock anchored to the wall clock once, so a clock adjustment never stretches

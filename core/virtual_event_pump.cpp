@@ -1,5 +1,7 @@
 #include "core/virtual_event_pump.h"
 
+#include <QPointer>
+
 namespace larkspur {
 
 namespace {
@@ -37,6 +39,13 @@ bool VirtualEventPump::waitForEvent(int milliseconds) {
 
 void VirtualEventPump::schedule(qint64 delayMs, Delivery delivery) {
     m_agenda.emplace(m_nowMs + qMax<qint64>(0, delayMs), std::move(delivery));
+}
+
+void VirtualEventPump::schedule(qint64 delayMs, QObject* context, std::function<void()> task) {
+    schedule(delayMs, [guard = QPointer<QObject>(context), run = std::move(task)] {
+        if (guard)
+            run();
+    });
 }
 
 } // namespace larkspur

@@ -20,6 +20,7 @@ public:
     QDateTime currentDateTime() const override;
     void processEvents() override;
     bool waitForEvent(int milliseconds) override;
+    void schedule(qint64 delayMs, QObject* context, std::function<void()> task) override;
 
     // Schedules `delivery` to run `delayMs` from now, inside whichever wait or event
     // processing first reaches that time. Deliveries due at the same time run in the order

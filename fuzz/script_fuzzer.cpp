@@ -1,5 +1,5 @@
-// The script reader and the interpreter: arbitrary file bytes, read and played against a fake
-// PBX in virtual time.
+// The script reader and the interpreter: arbitrary file bytes, read and played against the
+// simulated PBX in virtual time.
 //
 // Input: two bytes of settings, then the script file:
 //   byte 1: bit 0 Continuous, bits 1-2 the PBX's answer to ENQ and bits 3-4 to a frame (0 ACK,
@@ -16,8 +16,8 @@
 // only on an answer or a stop request, as it should; so when CANCEL has not ended the run
 // within stopRequestAfterMs, the harness asks for a stop as closing the window does.
 #include "core/virtual_event_pump.h"
-#include "doubles/fake_pbx.h"
 #include "doubles/fake_transport.h"
+#include "doubles/simulated_pbx.h"
 #include "fuzz/fuzz_support.h"
 #include "protocol/frame.h"
 #include "script/script_engine.h"
@@ -38,9 +38,9 @@ constexpr int stopRequestAfterMs = 60'000;
 // Commands still started after the first CANCEL; more means the script does not stop.
 constexpr int commandsAfterStop = 200;
 
-FakePbx::Answer answerOf(int bits) {
-    static const FakePbx::Answer answers[] = {FakePbx::Answer::Ack, FakePbx::Answer::Nak,
-                                              FakePbx::Answer::Silent, FakePbx::Answer::Ack};
+sim::Answer answerOf(int bits) {
+    static const sim::Answer answers[] = {sim::Answer::Ack, sim::Answer::Nak, sim::Answer::Silent,
+                                          sim::Answer::Ack};
     return answers[bits & 3];
 }
 
@@ -119,9 +119,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     session.link.settings.useTcp = !(play & 64);
     FakeTransport& active = session.link.settings.useTcp ? tcp : serial;
-    FakePbx pbx{active};
-    pbx.onEnq = answerOf(play >> 1);
-    pbx.onFrame = answerOf(play >> 3);
+    SimulatedPbx pbx{pump, active};
+    if (script.pmsMode == u"VMAIL")
+        pbx.setMode(sim::Mode::Vmail);
+    pbx.options.onEnq = answerOf(play >> 1);
+    pbx.options.onFrame = answerOf(play >> 3);
     session.chk_error_Click(play & 32);
     engine.Continuous = play & 1;
 

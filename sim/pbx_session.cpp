@@ -1,18 +1,18 @@
 #include "sim/pbx_session.h"
 
+#include "core/event_pump.h"
 #include "protocol/frame.h"
 #include "protocol/readable_notation.h"
 #include "sim/peer.h"
 #include "sim/tracer.h"
 
-#include <QTimer>
-
 #include <cmath>
 
 namespace larkspur::sim {
 
-PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, QObject* parent)
-    : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer),
+PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, EventPump& pump,
+                       QObject* parent)
+    : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer), m_pump(pump),
       m_reader(options.mode == Mode::Vmail) {
     connect(&m_peer, &Peer::received, this, &PbxSession::onReceived);
 }
@@ -38,7 +38,7 @@ void PbxSession::onReceived(const QByteArray& bytes) {
 void PbxSession::handle(const WireUnit& unit) {
     switch (unit.kind) {
     case WireUnit::Kind::Enq:
-        answer(m_options.onEnq);
+        answer(m_options.firstEnqAnswers, m_options.onEnq, m_enqsAnswered);
         break;
     case WireUnit::Kind::Ack:
     case WireUnit::Kind::Nak:
@@ -50,26 +50,32 @@ void PbxSession::handle(const WireUnit& unit) {
                                      toReadable(QByteArray(1, unit.expectedCheck))));
         else if (unit.checked)
             m_tracer.status(QStringLiteral("BCC ok"));
-        answer(m_options.onFrame);
+        answer(m_options.firstFrameAnswers, m_options.onFrame, m_framesAnswered);
+        // Follow-ups count from the answer, so they never overtake it.
         for (const FollowUp& followUp : m_options.after) {
             if (unit.text.startsWith(followUp.match))
-                sendLater(followUp.seconds, followUp.bytes);
+                sendLater(m_options.answerDelaySeconds + followUp.seconds, followUp.bytes);
         }
         break;
     }
 }
 
-void PbxSession::answer(Answer how) {
-    if (how == Answer::Ack)
-        send(QByteArray(1, char(ctl::ACK)));
-    else if (how == Answer::Nak)
-        send(QByteArray(1, char(ctl::NAK)));
+void PbxSession::answer(const QList<Answer>& first, Answer then, int& answered) {
+    const Answer how = answered < first.size() ? first.at(answered++) : then;
+    if (how == Answer::Silent)
+        return;
+    const QByteArray bytes(1, char(how == Answer::Ack ? ctl::ACK : ctl::NAK));
+    // Without a delay the answer goes out while the read is handled, ahead of anything the
+    // event loop has waiting.
+    if (m_options.answerDelaySeconds == 0)
+        send(bytes);
+    else
+        sendLater(m_options.answerDelaySeconds, bytes);
 }
 
 void PbxSession::sendLater(double seconds, const QByteArray& bytes) {
-    // The session is the timer's context, so a console that leaves cancels it.
-    QTimer::singleShot(int(std::lround(seconds * 1000)), Qt::PreciseTimer, this,
-                       [this, bytes] { send(bytes); });
+    // The session is the task's context, so a console that leaves cancels it.
+    m_pump.schedule(std::lround(seconds * 1000), this, [this, bytes] { send(bytes); });
 }
 
 } // namespace larkspur::sim

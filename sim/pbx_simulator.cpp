@@ -54,7 +54,7 @@ bool PbxSimulator::start(QString* error) {
                 QStringLiteral("dropped %1 bytes for the pty: the console does not read them")
                     .arg(unsent));
         });
-        m_ptySession = std::make_unique<PbxSession>(*m_pty, m_options, m_tracer);
+        m_ptySession = std::make_unique<PbxSession>(*m_pty, m_options, m_tracer, m_pump);
         m_ptySession->begin(false);
     }
     return true;
@@ -106,7 +106,7 @@ void PbxSimulator::acceptConsole() {
                 .arg(unsent));
     });
     m_tracer.status(QStringLiteral("connected tcp ") + console);
-    m_tcpSession = std::make_unique<PbxSession>(*m_tcpPeer, m_options, m_tracer);
+    m_tcpSession = std::make_unique<PbxSession>(*m_tcpPeer, m_options, m_tracer, m_pump);
     m_tcpSession->begin(m_options.echoOffer);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/qt_event_pump.h"
 #include "sim/sim_options.h"
 
 #include <QObject>
@@ -43,6 +44,8 @@ private:
 
     SimOptions m_options;
     Tracer& m_tracer;
+    // A listener and a pty live in real time, and so do the sessions they serve.
+    QtEventPump m_pump;
     QTcpServer m_server;
     TcpPeer* m_tcpPeer = nullptr; // a child of this, deleted later: it is in its own signal
     std::unique_ptr<PbxSession> m_tcpSession;

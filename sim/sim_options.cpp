@@ -22,6 +22,20 @@ std::optional<Answer> answerNamed(const QString& name) {
     return std::nullopt;
 }
 
+// "nak,nak,ack": each answer in turn. Empty with the first wrong name in `wrong`.
+std::optional<QList<Answer>> answersNamed(const QString& names, QString& wrong) {
+    QList<Answer> answers;
+    for (const QString& name : names.split(u',')) {
+        const auto answer = answerNamed(name);
+        if (!answer) {
+            wrong = name;
+            return std::nullopt;
+        }
+        answers.append(*answer);
+    }
+    return answers;
+}
+
 std::optional<double> secondsFrom(const QString& text) {
     bool ok = false;
     const double seconds = text.toDouble(&ok);
@@ -110,12 +124,19 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
             else if (mode)
                 error = QStringLiteral("--mode: \"%1\" is not HOTEL or VMAIL").arg(*mode);
         } else if (arg == u"--on-enq" || arg == u"--on-frame") {
-            const auto name = value(arg);
-            const auto answer = name ? answerNamed(*name) : std::nullopt;
-            if (answer)
-                (arg == u"--on-enq" ? options.onEnq : options.onFrame) = *answer;
-            else if (name)
-                error = QStringLiteral("%1: \"%2\" is not ack, nak or silent").arg(arg, *name);
+            const auto names = value(arg);
+            QString wrong;
+            auto answers = names ? answersNamed(*names, wrong) : std::nullopt;
+            const bool enq = arg == u"--on-enq";
+            if (answers) {
+                (enq ? options.onEnq : options.onFrame) = answers->takeLast();
+                (enq ? options.firstEnqAnswers : options.firstFrameAnswers) = *answers;
+            } else if (names) {
+                error = QStringLiteral("%1: \"%2\" is not ack, nak or silent").arg(arg, wrong);
+            }
+        } else if (arg == u"--answer-delay") {
+            if (const auto s = seconds(arg))
+                options.answerDelaySeconds = *s;
         } else if (arg == u"--echo-offer") {
             options.echoOffer = true;
         } else if (arg == u"--at") {
@@ -147,10 +168,10 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
 QString simUsage() {
     return QStringLiteral(
         "usage: larkspur-pbxsim [--listen HOST:PORT] [--pty [LINK]] [--mode HOTEL|VMAIL]\n"
-        "                       [--on-enq ack|nak|silent] [--on-frame ack|nak|silent] "
-        "[--echo-offer]\n"
-        "                       [--after MATCH SECONDS TEXT]... [--at SECONDS TEXT]... "
-        "[--trace FILE]\n");
+        "                       [--on-enq ANSWERS] [--on-frame ANSWERS] [--answer-delay SECONDS]\n"
+        "                       [--echo-offer] [--after MATCH SECONDS TEXT]... "
+        "[--at SECONDS TEXT]...\n"
+        "                       [--trace FILE]\n");
 }
 
 QString simHelp() {
@@ -161,13 +182,18 @@ Plays the PBX side of the PMS link.
   --pty [LINK]        open a pseudo-terminal for a serial console; LINK becomes a symlink to it
                       (with --pty alone, no TCP listener unless --listen is given too)
   --mode HOTEL|VMAIL  VMAIL frames carry a check character after the ETX (default HOTEL)
-  --on-enq ANSWER     answer to a bare ENQ: ack, nak or silent (default ack)
-  --on-frame ANSWER   answer to a frame: ack, nak or silent (default ack)
+  --on-enq ANSWERS    answer to a bare ENQ: ack, nak or silent (default ack); a list such as
+                      nak,nak,ack answers the first ENQs of each connect in turn and repeats
+                      the last answer for the rest
+  --on-frame ANSWERS  answer to a frame, the same way (default ack)
+  --answer-delay SECONDS
+                      wait that long before each of those answers (default 0: at once)
   --echo-offer        send the Telnet offer to echo (255 251 1) on each TCP connect
   --at SECONDS TEXT   send TEXT that many seconds after each connect (the pty counts as
                       connected when it is opened)
   --after MATCH SECONDS TEXT
-                      send TEXT that many seconds after a frame whose text starts with MATCH
+                      send TEXT that many seconds after the answer to a frame whose text
+                      starts with MATCH
   --trace FILE        write the trace to FILE as well as to standard output
 
 TEXT and MATCH are written in a readable notation: <STX> <ETX> <ENQ> <ACK> <NAK>, <BCC> (the

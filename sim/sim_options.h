@@ -36,8 +36,15 @@ struct SimOptions {
     bool pty = false;
     QString ptyLink; // empty: no symlink
     Mode mode = Mode::Hotel;
+    // --on-enq and --on-frame: the answers to the first ENQs (frames) of a connection, one each
+    // in turn, then onEnq (onFrame) to every later one.
+    QList<Answer> firstEnqAnswers;
     Answer onEnq = Answer::Ack;
+    QList<Answer> firstFrameAnswers;
     Answer onFrame = Answer::Ack;
+    // --answer-delay: how long the PBX takes to answer an ENQ or a frame; 0 answers within the
+    // read.
+    double answerDelaySeconds = 0;
     bool echoOffer = false;
     QList<TimedMessage> at;
     QList<FollowUp> after;

@@ -2,8 +2,8 @@
 
 #include "common/recording_operator.h"
 #include "core/virtual_event_pump.h"
-#include "doubles/fake_pbx.h"
 #include "doubles/fake_transport.h"
+#include "doubles/simulated_pbx.h"
 #include "link/link.h"
 #include "records/traffic_log.h"
 
@@ -19,7 +19,7 @@ inline QByteArray frame(const QByteArray& body) {
     return '\x02' + body + '\x03';
 }
 
-// A link in virtual time with a fake PBX on each transport, open and in HOTEL mode.
+// A link in virtual time with a simulated PBX on each transport, open and in HOTEL mode.
 class LinkFixture : public ::testing::Test {
 protected:
     VirtualEventPump pump;
@@ -28,8 +28,8 @@ protected:
     FakeTransport tcp{pump, QStringLiteral("TCP fake")};
     FakeTransport serial{pump, QStringLiteral("serial fake")};
     Link link{pump, log, op, tcp, serial};
-    FakePbx tcpPbx{tcp};
-    FakePbx serialPbx{serial};
+    SimulatedPbx tcpPbx{pump, tcp};
+    SimulatedPbx serialPbx{pump, serial};
 
     void SetUp() override {
         tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);

@@ -12,11 +12,11 @@ namespace larkspur::test {
 using FieldTexts = QList<std::pair<Field, QString>>;
 using Action = void (Session::*)();
 
-// A session in virtual time with a fake PBX behind its TCP link, open, in HOTEL mode and
+// A session in virtual time with a simulated PBX behind its TCP link, open, in HOTEL mode and
 // recording.
 class SessionFixture : public ::testing::Test, protected FakeSession {
 protected:
-    FakePbx pbx{tcp};
+    SimulatedPbx pbx{pump, tcp};
 
     void SetUp() override {
         tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);

@@ -64,11 +64,13 @@ void FakeTransport::loseLink(const QString& reason, qint64 delayMs) {
     });
 }
 
+void FakeTransport::receive(const QByteArray& bytes) {
+    m_pending = bytes;
+    Q_EMIT dataReceived();
+}
+
 void FakeTransport::deliver(const QByteArray& bytes, qint64 delayMs) {
-    m_pump.schedule(delayMs, [this, bytes] {
-        m_pending = bytes;
-        Q_EMIT dataReceived();
-    });
+    m_pump.schedule(delayMs, [this, bytes] { receive(bytes); });
 }
 
 } // namespace larkspur

@@ -24,6 +24,8 @@ public:
     QString openPort(const QString& portName) override;
     QString describe() const override { return m_name; }
 
+    // Hands `bytes` to the console as one read, now.
+    void receive(const QByteArray& bytes);
     // Delivers `bytes` as one read, `delayMs` from now.
     void deliver(const QByteArray& bytes, qint64 delayMs = 0);
     // The peer goes away `delayMs` from now, as a PBX that hangs up.
@@ -33,7 +35,7 @@ public:
     QList<QByteArray> written;
     // Every open, connect and option call, for the tests to check (e.g. "open /dev/ttyS0").
     QStringList calls;
-    // Called with each write (the fake PBX answers from here).
+    // Called with each write (the simulated PBX hears the console here).
     std::function<void(const QByteArray&)> onWrite;
     // How the fake behaves when opened: TCP accepts after `acceptAfterMs` (refuses when < 0);
     // serial refuses with `refusal` when it is not empty.

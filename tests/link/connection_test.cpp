@@ -4,7 +4,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
@@ -24,6 +24,7 @@ TEST_F(Connection, TcpHotel) {
 
 TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
     link.pmsMode = "VMAIL";
+    tcpPbx.setMode(sim::Mode::Vmail);
     link.protocolType = "HIS";
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
     EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray("\x02"
@@ -36,6 +37,7 @@ TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
 TEST_F(Connection, SerialVmailLogsConnectingOnce) {
     useSerial();
     link.pmsMode = "VMAIL";
+    serialPbx.setMode(sim::Mode::Vmail);
     QSignalSpy recordingStopped(&link, &Link::recordingStopped);
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
     EXPECT_EQ(lines(),

@@ -3,14 +3,14 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
 class Exchange : public LinkFixture {};
 
 TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
-    tcpPbx.onEnq = Answer::Nak;
+    tcpPbx.options.onEnq = Answer::Nak;
     link.send_enq();
     EXPECT_TRUE(link.ackFailed());
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
@@ -22,7 +22,7 @@ TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
 }
 
 TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     link.send_enq();
     EXPECT_TRUE(link.ackFailed());
     EXPECT_EQ(tcp.written.size(), 5);
@@ -38,7 +38,7 @@ TEST_F(Exchange, EnqAckedAtFirstAttempt) {
 }
 
 TEST_F(Exchange, SendEnqDoesNothingWhileWaiting) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     link.send_text(QString(QChar(5)));
     link.wait_for_ack(false);
     ASSERT_TRUE(link.ackFailed());
@@ -70,7 +70,7 @@ TEST_F(Exchange, WaitForAckErrorLines) {
     for (auto& c : cases) {
         LinkFixture::SetUp();
         log = TrafficLog();
-        tcpPbx.onEnq = c.answer;
+        tcpPbx.options.onEnq = c.answer;
         link.send_text(QString(QChar(5)));
         link.wait_for_ack(true);
         EXPECT_EQ(link.ackFailed(), c.failed) << c.name;
@@ -83,7 +83,7 @@ TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
     pump.processEvents();
     log = TrafficLog();
     const qint64 start = pump.elapsedMs();
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     EXPECT_TRUE(link.poll_for_ack(true));
     EXPECT_EQ(pump.elapsedMs(), start);
     EXPECT_FALSE(link.waitingForAck());
@@ -115,7 +115,7 @@ TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
 }
 
 TEST_F(Exchange, ConnectionTestAgainstARefusingPbxSendsTenEnqs) {
-    tcpPbx.onEnq = Answer::Nak;
+    tcpPbx.options.onEnq = Answer::Nak;
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NoResponse);
     EXPECT_EQ(tcp.written, QList<QByteArray>(10, ENQ));
     EXPECT_EQ(lines().last(), "No response from PBX");
@@ -144,7 +144,7 @@ TEST_F(Exchange, TextGoesOutOneByteACharacter) {
 namespace {
 
 TEST_F(Exchange, StopRequestUnwindsEveryWait) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     pump.schedule(1200, [&] { pump.requestStop(); });
     link.send_enq();
     EXPECT_TRUE(link.ackFailed());

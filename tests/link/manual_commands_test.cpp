@@ -24,8 +24,8 @@ TEST_F(ManualCommands, EachSendsOneThingAndTheGuardedOnesWaitTheirTurn) {
         {"grs", &Link::cmd_grs, true, "Sending -->    GRS", frame("GRS       ")},
         {"end", &Link::cmd_end, true, "Sending -->    END", frame("END       ")},
     };
-    tcpPbx.onEnq = FakePbx::Answer::Silent;
-    tcpPbx.onFrame = FakePbx::Answer::Silent;
+    tcpPbx.options.onEnq = sim::Answer::Silent;
+    tcpPbx.options.onFrame = sim::Answer::Silent;
     for (auto& c : cases) {
         for (bool waiting : {false, true}) {
             log = TrafficLog();

@@ -185,7 +185,7 @@ TEST_F(Receiver, CarrierDetectOverSerial) {
 
 TEST_F(Receiver, AnswerToEnqGoesOutDuringAWait) {
     // The PBX bids while the console waits: the ACK goes out inside the wait, unguarded.
-    tcpPbx.onEnq = FakePbx::Answer::Silent;
+    tcpPbx.options.onEnq = sim::Answer::Silent;
     tcp.deliver(ENQ, 300);
     link.wait_for_ack(false);
     EXPECT_EQ(tcp.written, QList<QByteArray>{ACK});

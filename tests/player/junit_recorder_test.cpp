@@ -5,7 +5,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
         SCOPED_TRACE(c.name);
         restart();
         report = JunitReport();
-        pbx.onFrame = c.onFrame;
+        pbx.options.onFrame = c.onFrame;
         play(c.script);
         ASSERT_EQ(report.cases().size(), 1);
         const JunitReport::Case& r = report.cases().first();
@@ -67,7 +67,7 @@ TEST_F(JunitCases, StoppedWaitsAndLostLinksFail) {
 
     restart();
     report = JunitReport();
-    pbx.onFrame = Answer::Silent;
+    pbx.options.onFrame = Answer::Silent;
     tcp.loseLink("closed by the PBX", 1000);
     play("CHK0   101\r\nCHK0   102\r\n;\r\n");
     ASSERT_EQ(report.cases().size(), 1);

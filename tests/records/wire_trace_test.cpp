@@ -7,7 +7,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
@@ -31,7 +31,7 @@ protected:
 
 TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
     const HotelMessageRule rule{"Sending   -->", "-> failed:"};
-    tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack};
+    tcpPbx.options.firstFrameAnswers = {Answer::Nak, Answer::Ack};
     int attempt = 1;
     ErrorRecords errors;
     sendHotelMessage(link, errors, rule, "CHK0   101", attempt, "CHK0   101");
@@ -51,7 +51,7 @@ TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
 }
 
 TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
-    tcpPbx.onEnq = Answer::Silent;
+    tcpPbx.options.onEnq = Answer::Silent;
     link.send_enq();
     trace.finish(pump.currentDateTime());
     EXPECT_EQ(rows().count("TX <ENQ>   | 05"), 5);
@@ -63,6 +63,7 @@ TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
 TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
     link.pmsMode = "VMAIL";
     link.protocolType = "HIS";
+    tcpPbx.setMode(sim::Mode::Vmail);
     sendVmailFrame(link, link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
     tcp.deliver(QByteArray("\x02"
                            "54001  \x03") +

@@ -132,7 +132,7 @@ namespace {
 TEST_F(ExpectationWait, RecoveryRunsItsFixedDialogue) {
     // Its waits for "ack" never succeed, so the operator steps through them with CANCEL.
     session.recorder.suspend();
-    pbx.nextEnqAnswers = {FakePbx::Answer::Silent};
+    pbx.options.firstEnqAnswers = {sim::Answer::Silent};
     std::function<void()> cancelEachSecond = [&] {
         engine.cmd_cancel();
         pump.schedule(1000, cancelEachSecond);

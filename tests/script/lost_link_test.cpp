@@ -13,7 +13,7 @@ namespace {
 class LostLink : public ScriptFixture {};
 
 TEST_F(LostLink, EndsATransactionWhereItStands) {
-    pbx.onFrame = FakePbx::Answer::Silent;
+    pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 2500);
     QSignalSpy ended(&session, &Session::transactionEnded);
     click({{Field::txt_suite_1, "101"}, {Field::txt_suite_2, "102"}}, &Session::cmd_chk_in);
@@ -39,21 +39,22 @@ TEST_F(LostLink, EndsAWaitWithoutLimitAndTheScript) {
 
 TEST_F(LostLink, EndsTheConnectionTest) {
     session.cmd_disconnect();
-    pbx.onEnq = FakePbx::Answer::Silent;
+    pbx.options.onEnq = sim::Answer::Silent;
     pump.schedule(3000, [&] { tcp.loseLink("connection reset"); });
     EXPECT_EQ(session.cmd_connect(), Link::ConnectResult::Lost);
     EXPECT_LT(pump.elapsedMs(), 5000) << "not ten ENQs of five seconds each";
     EXPECT_FALSE(lines().contains("No response from PBX"));
 
     // Connect is there again, and works once the PBX is back.
-    pbx.onEnq = FakePbx::Answer::Ack;
+    pbx.options.onEnq = sim::Answer::Ack;
     EXPECT_EQ(session.cmd_connect(), Link::ConnectResult::Connected);
     EXPECT_FALSE(session.link.lost());
 }
 
 TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
     session.link.pmsMode = "VMAIL";
-    pbx.onFrame = FakePbx::Answer::Silent;
+    pbx.setMode(sim::Mode::Vmail);
+    pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 500);
     pump.schedule(600, [&] { pump.requestStop(); }); // as larkspur-run does on a lost link
     click({{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);

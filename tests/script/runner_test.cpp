@@ -142,7 +142,7 @@ TEST_F(Runner, BlankThenSemicolonIsAnUnknownCommand) {
 }
 
 TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {
-    pbx.onFrame = FakePbx::Answer::Nak;
+    pbx.options.onFrame = sim::Answer::Nak;
     EXPECT_EQ(play("CHK0   101\r\nMW 1   102\r\n;\r\n"), Outcome::Completed);
     EXPECT_EQ(session.errors.errorCount(), 2);
     EXPECT_EQ(op.notices,

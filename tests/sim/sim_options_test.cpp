@@ -123,4 +123,41 @@ TEST(SimOptions, BadArgumentsAreRefusedWithAReason) {
     }
 }
 
+TEST(SimOptions, AnswerListsRepeatTheirLastAnswer) {
+    struct Case {
+        QStringList arguments;
+        QList<Answer> firstEnq;
+        Answer enq;
+        QList<Answer> firstFrame;
+        Answer frame;
+        double delay;
+    } cases[] = {
+        {{"--on-enq", "nak,silent,ack"},
+         {Answer::Nak, Answer::Silent},
+         Answer::Ack,
+         {},
+         Answer::Ack,
+         0},
+        {{"--on-frame", "nak,nak"}, {}, Answer::Ack, {Answer::Nak}, Answer::Nak, 0},
+        // A later option replaces the whole list.
+        {{"--on-enq", "nak,ack", "--on-enq", "silent"}, {}, Answer::Silent, {}, Answer::Ack, 0},
+        {{"--answer-delay", "0.02"}, {}, Answer::Ack, {}, Answer::Ack, 0.02},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        const SimOptions o = parsed(c.arguments);
+        EXPECT_EQ(o.firstEnqAnswers, c.firstEnq);
+        EXPECT_EQ(o.onEnq, c.enq);
+        EXPECT_EQ(o.firstFrameAnswers, c.firstFrame);
+        EXPECT_EQ(o.onFrame, c.frame);
+        EXPECT_DOUBLE_EQ(o.answerDelaySeconds, c.delay);
+    }
+    const QStringList wrong[] = {{"--on-enq", "ack,"},       {"--on-frame", ",nak"},
+                                 {"--on-frame", "ack,,nak"}, {"--on-enq", "ack nak"},
+                                 {"--answer-delay", "-0.1"}, {"--answer-delay"},
+                                 {"--answer-delay", "20ms"}};
+    for (const QStringList& arguments : wrong)
+        EXPECT_FALSE(parseSimArguments(arguments).options) << arguments.join(' ').toStdString();
+}
+
 } // namespace

@@ -2,7 +2,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 using enum Field;
 
 namespace {
@@ -153,7 +153,7 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
 }
 
 TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
-    pbx.onFrame = Answer::Nak;
+    pbx.options.onFrame = Answer::Nak;
     for (const Transaction& t : transactions) {
         SCOPED_TRACE(t.what);
         restart();
@@ -174,7 +174,7 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
 }
 
 TEST_F(HotelTransactions, CheckInTakesTheLineBidsAckForTheFrames) {
-    pbx.onFrame = Answer::Silent;
+    pbx.options.onFrame = Answer::Silent;
     click({{txt_suite_1, "101"}}, &Session::cmd_chk_in);
     click({}, &Session::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK1   101")), 1);
@@ -190,7 +190,7 @@ TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
     } cases[] = {{&Session::cmd_chk_out, true, 1},
                  {&Session::cmd_name_1, true, 1},
                  {&Session::cmb_restrict_Click, false, 0}};
-    pbx.onEnq = Answer::Nak;
+    pbx.options.onEnq = Answer::Nak;
     for (const Case& c : cases) {
         restart();
         session.chooseRestriction("internal call");
@@ -236,8 +236,8 @@ TEST_F(HotelTransactions, ErrorModeSendsEveryFieldAsTyped) {
 }
 
 TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
-    pbx.nextFrameAnswers = {Answer::Nak, Answer::Ack};
-    pbx.onFrame = Answer::Nak;
+    pbx.options.firstFrameAnswers = {Answer::Nak, Answer::Ack};
+    pbx.options.onFrame = Answer::Nak;
     click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {txt_ls_pilot, "105"}},
           &Session::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 2);

@@ -2,7 +2,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 using enum Field;
 
 namespace {
@@ -64,7 +64,7 @@ TEST_F(LinkedSuites, FirstInvalidFieldIsLoggedAndNothingSent) {
 }
 
 TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
-    pbx.onFrame = Answer::Silent;
+    pbx.options.onFrame = Answer::Silent;
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "102"}}, &Session::cmd_ste4);
     const QString body = "STE4   101   102";
     const QString sentence = "-> PBX DID NOT ACKnowkledge the link suite message:";
@@ -77,7 +77,7 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
 }
 
 TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
-    pbx.onEnq = Answer::Silent;
+    pbx.options.onEnq = Answer::Silent;
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, &Session::cmd_ste5);
     const QString enqLine = stamp() + " PBX DID NOT ACKnowkledge ENQ message";
     EXPECT_EQ(lines().last(), enqLine);

@@ -6,7 +6,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 
 namespace {
 
@@ -37,7 +37,7 @@ TEST_F(SendSequence, AcknowledgedAtOnce) {
 }
 
 TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
-    tcpPbx.onFrame = Answer::Nak;
+    tcpPbx.options.onFrame = Answer::Nak;
     int attempt = 1;
     EXPECT_EQ(send(checkIn, "CHK1   101", attempt), SendResult::Failed);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ}) + QList<QByteArray>(5, frame("CHK1   101")));
@@ -52,7 +52,7 @@ TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
 }
 
 TEST_F(SendSequence, FrameNakedWithoutPollFailsQuickly) {
-    tcpPbx.onFrame = Answer::Nak;
+    tcpPbx.options.onFrame = Answer::Nak;
     int attempt = 1;
     EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Failed);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
@@ -60,8 +60,8 @@ TEST_F(SendSequence, FrameNakedWithoutPollFailsQuickly) {
 }
 
 TEST_F(SendSequence, RetryCounterIsSharedAcrossOneClick) {
-    tcpPbx.nextFrameAnswers = {Answer::Nak, Answer::Ack, Answer::Nak,
-                               Answer::Nak, Answer::Nak, Answer::Nak};
+    tcpPbx.options.firstFrameAnswers = {Answer::Nak, Answer::Ack, Answer::Nak,
+                                        Answer::Nak, Answer::Nak, Answer::Nak};
     int attempt = 1;
     EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Acknowledged);
     EXPECT_EQ(attempt, 2);
@@ -81,7 +81,7 @@ TEST_F(SendSequence, EnqFailureRecordsByRule) {
         log = TrafficLog();
         errors.clearReport();
         errors.resetErrors();
-        tcpPbx.onEnq = Answer::Silent;
+        tcpPbx.options.onEnq = Answer::Silent;
         int attempt = 1;
         EXPECT_EQ(send(c.rule, "X", attempt), SendResult::Failed);
         const QString s = stamp();
@@ -110,7 +110,8 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
         SetUp();
         log = TrafficLog();
         link.pmsMode = "VMAIL";
-        tcpPbx.onFrame = c.answer;
+        tcpPbx.setMode(sim::Mode::Vmail);
+        tcpPbx.options.onFrame = c.answer;
         const qint64 start = pump.elapsedMs();
         const QString f = link.build_vmail_message("3", "4001", "");
         const bool acked =

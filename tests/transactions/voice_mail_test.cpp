@@ -4,7 +4,7 @@
 
 using namespace larkspur;
 using namespace larkspur::test;
-using Answer = FakePbx::Answer;
+using sim::Answer;
 using enum Field;
 
 namespace {
@@ -15,6 +15,7 @@ protected:
         SessionFixture::SetUp();
         session.link.pmsMode = "VMAIL";
         session.link.protocolType = "HIS";
+        pbx.setMode(sim::Mode::Vmail);
     }
     static QString vmailFrame(const QString& body) {
         return start_of_text() + body + end_of_text() + CRC(body + end_of_text());
@@ -90,7 +91,7 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
 }
 
 TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
-    pbx.onFrame = Answer::Silent;
+    pbx.options.onFrame = Answer::Silent;
     click({{txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
     EXPECT_EQ(lines(), QStringList({"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}));
     EXPECT_EQ(tcp.written.size(), 1) << "never retried";

@@ -1,12 +1,8 @@
 // larkspur: the operator console.
 
+#include "assembly/assembly.h"
 #include "console/main_window.h"
 #include "console/widget_operator.h"
-#include "core/qt_event_pump.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
-#include "script/script_engine.h"
-#include "transactions/session.h"
 
 #include <QApplication>
 #include <QSettings>
@@ -20,15 +16,11 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Larkspur"));
     QApplication::setApplicationVersion(QStringLiteral(LARKSPUR_VERSION));
 
-    QtEventPump pump;
     WidgetOperator operatorInterface;
-    TcpTransport tcp;
-    SerialTransport serial;
-    Session session(pump, operatorInterface, tcp, serial);
-    ScriptEngine engine(session);
+    ProgramAssembly console(operatorInterface, 100'000);
     QSettings settings;
 
-    MainWindow window(session, engine, settings);
+    MainWindow window(console, settings);
     operatorInterface.setWindow(&window);
     window.show();
     return app.exec();

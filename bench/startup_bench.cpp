@@ -2,13 +2,9 @@
 // parent starts itself as a child several times and takes the median.
 #include "bench_common.h"
 
+#include "assembly/assembly.h"
 #include "console/main_window.h"
 #include "console/widget_operator.h"
-#include "core/qt_event_pump.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
-#include "script/script_engine.h"
-#include "transactions/session.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -31,13 +27,9 @@ int child(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir dir;
     QSettings settings(dir.filePath(QStringLiteral("s.ini")), QSettings::IniFormat);
-    larkspur::QtEventPump pump;
     larkspur::WidgetOperator op;
-    larkspur::TcpTransport tcp;
-    larkspur::SerialTransport serial;
-    larkspur::Session session(pump, op, tcp, serial);
-    larkspur::ScriptEngine engine(session);
-    larkspur::MainWindow window(session, engine, settings);
+    larkspur::ProgramAssembly console(op, 100'000);
+    larkspur::MainWindow window(console, settings);
     window.show();
     // Runs once the show and its first paint have been handled.
     QTimer::singleShot(0, [&] {

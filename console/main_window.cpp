@@ -1,5 +1,6 @@
 #include "console/main_window.h"
 
+#include "assembly/assembly.h"
 #include "console/log_view.h"
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
@@ -20,9 +21,9 @@
 
 namespace larkspur {
 
-MainWindow::MainWindow(Session& session, ScriptEngine& engine, QSettings& settings, QWidget* parent)
-    : QMainWindow(parent), m_session(session), m_engine(engine), m_settings(settings),
-      m_controls(session.controls), m_fields(session.fields) {
+MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
+    : QMainWindow(parent), m_console(console), m_session(console.session), m_engine(console.engine),
+      m_settings(settings), m_controls(console.session.controls), m_fields(console.session.fields) {
     setObjectName(QStringLiteral("PMS_FORM"));
     setWindowTitle(QStringLiteral("Larkspur"));
 

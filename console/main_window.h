@@ -3,8 +3,6 @@
 #include "console/control_binder.h"
 #include "console/field_binder.h"
 #include "console/operation_runner.h"
-#include "records/run_statistics.h"
-#include "records/wire_trace.h"
 
 #include <QMainWindow>
 
@@ -26,6 +24,7 @@ class CommPortDialog;
 class ConsoleStatusBar;
 class LogView;
 class RunStatisticsDialog;
+class Assembly;
 class ScriptEngine;
 class Session;
 class TelnetDialog;
@@ -41,8 +40,7 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     // Reads the link settings from `settings` and writes them back when the window closes.
-    MainWindow(Session& session, ScriptEngine& engine, QSettings& settings,
-               QWidget* parent = nullptr);
+    MainWindow(Assembly& console, QSettings& settings, QWidget* parent = nullptr);
     ~MainWindow() override;
 
 protected:
@@ -97,6 +95,7 @@ private:
     void Form_Unload();
     void whenAllReturned();
 
+    Assembly& m_console;
     Session& m_session;
     ScriptEngine& m_engine;
     QSettings& m_settings;
@@ -111,8 +110,6 @@ private:
     TelnetDialog* m_telnetDialog = nullptr;
     AboutDialog* m_about = nullptr;
     // Every byte on the wire and how each exchange fared, beside the traffic log.
-    WireTrace m_trace{100'000};
-    RunStatistics m_statistics;
     WireTracePanel* m_tracePanel = nullptr;
     RunStatisticsDialog* m_statisticsDialog = nullptr;
     // A close came while operations were running; it is done once they have returned.

@@ -1,15 +1,12 @@
 #include "player/headless_player.h"
 
+#include "assembly/assembly.h"
 #include "core/host_port.h"
 #include "core/operator_interface.h"
 #include "core/output_file.h"
-#include "core/qt_event_pump.h"
 #include "core/termination_signals.h"
-#include "link/link_trace.h"
 #include "link/serial_line.h"
-#include "link/serial_transport.h"
 #include "link/settings_store.h"
-#include "link/tcp_transport.h"
 #include "player/junit_recorder.h"
 #include "player/junit_report.h"
 #include "player/player_options.h"
@@ -150,19 +147,16 @@ private:
     int afterPlaying(ScriptEngine::RunOutcome outcome);
 
     const PlayerOptions& m_options;
-    QtEventPump m_pump;
     HeadlessOperator m_operator;
-    TcpTransport m_tcp;
-    SerialTransport m_serial;
-    Session m_session{m_pump, m_operator, m_tcp, m_serial};
-    ScriptEngine m_engine{m_session};
+    // Only the newest trace rows are kept in memory; the file gets every one as it happens.
+    ProgramAssembly m_console{m_operator, 1000};
+    EventPump& m_pump = m_console.pump();
+    Session& m_session = m_console.session;
+    ScriptEngine& m_engine = m_console.engine;
     JunitReport m_report;
     JunitRecorder m_junit{m_session, m_engine, m_report};
     StdoutDisplay m_display{m_junit};
-    // Only the newest rows are kept in memory; the file gets every one as it happens.
-    WireTrace m_trace{1000};
     QFile m_traceFile;
-    RunStatistics m_statistics;
     int m_signals = 0;
     bool m_playing = false;
     QString m_lostReason;
@@ -205,7 +199,6 @@ int HeadlessRun::play(const ScriptText& script) {
     QObject::connect(&m_session.link, &Link::linkLost,
                      [this](const QString& reason) { onLinkLost(reason); });
 
-    traceLink(m_session.link, m_trace);
     if (!m_options.trace.isEmpty()) {
         m_traceFile.setFileName(m_options.trace);
         if (!m_traceFile.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
@@ -213,17 +206,11 @@ int HeadlessRun::play(const ScriptText& script) {
                            .arg(m_options.trace, m_traceFile.errorString()));
             return exitcode::usage;
         }
-        QObject::connect(&m_trace, &WireTrace::rowAdded, [this](const WireRow& row) {
+        QObject::connect(&m_console.trace, &WireTrace::rowAdded, [this](const WireRow& row) {
             m_traceFile.write((WireTrace::format(row) + QLatin1Char('\n')).toLatin1());
             m_traceFile.flush();
         });
     }
-    QObject::connect(&m_trace, &WireTrace::exchangeEnded,
-                     [this](const ExchangeEvent& e) { m_statistics.add(e); });
-    QObject::connect(&m_session, &Session::expectationEnded,
-                     [this](const QString& item, bool succeeded, qint64 ms) {
-                         m_statistics.addWait(item, succeeded, ms);
-                     });
     // A signal acts as CANCEL after every command, so the run ends after the one in progress.
     QObject::connect(&m_engine, &ScriptEngine::commandFinished, [this] {
         if (m_signals > 0)
@@ -287,10 +274,11 @@ void HeadlessRun::onLinkLost(const QString& reason) {
 }
 
 void HeadlessRun::writeReports() {
-    m_trace.finish(m_pump.currentDateTime());
-    if (!m_statistics.isEmpty())
-        std::fprintf(stderr, "%s", qPrintable(m_statistics.table()));
-    for (auto it = m_statistics.rows().cbegin(); it != m_statistics.rows().cend(); ++it) {
+    m_console.trace.finish(m_pump.currentDateTime());
+    if (!m_console.statistics.isEmpty())
+        std::fprintf(stderr, "%s", qPrintable(m_console.statistics.table()));
+    for (auto it = m_console.statistics.rows().cbegin(); it != m_console.statistics.rows().cend();
+         ++it) {
         const RunStatistics::Row& r = it.value();
         const QString type = it.key();
         m_report.addProperty(type + QStringLiteral(".sent"), QString::number(r.sent));

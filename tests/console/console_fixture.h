@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/fake_session.h"
+#include "assembly/assembly.h"
 #include "common/recording_operator.h"
 #include "console/main_window.h"
 #include "core/virtual_event_pump.h"
@@ -18,15 +18,21 @@ namespace larkspur::test {
 
 // The window over a session in virtual time, with fake transports and settings in a file of
 // its own. The window opens on the first call of window(), so a test can store settings first.
-class ConsoleFixture : public ::testing::Test, protected FakeSession {
+class ConsoleFixture : public ::testing::Test {
 protected:
+    VirtualEventPump pump;
+    RecordingOperator op;
+    FakeTransport tcp{pump, QStringLiteral("TCP fake")};
+    FakeTransport serial{pump, QStringLiteral("serial fake")};
+    Assembly console{pump, op, tcp, serial, 100'000};
+    Session& session = console.session;
+    ScriptEngine& engine = console.engine;
     QTemporaryDir dir;
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
-    ScriptEngine engine{session};
 
     MainWindow& window() {
         if (!m_window) {
-            m_window = std::make_unique<MainWindow>(session, engine, settings);
+            m_window = std::make_unique<MainWindow>(console, settings);
             m_window->show();
         }
         return *m_window;

@@ -71,8 +71,8 @@ void CommPortDialog::load() {
 }
 
 void CommPortDialog::ok() {
-    m_session.controls.setChecked(QStringLiteral("mnuCommport"), true);
-    m_session.controls.setChecked(QStringLiteral("mnuTelnet"), false);
+    m_session.controls.setChecked(Control::mnuCommport, true);
+    m_session.controls.setChecked(Control::mnuTelnet, false);
     LinkSettings& s = m_session.link.settings;
     s.useTcp = false;
     s.commPortNumber = m_port->currentText();

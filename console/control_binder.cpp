@@ -67,26 +67,34 @@ QString objectNameOf(const QString& controlName) {
 
 ControlBinder::ControlBinder(const Controls& controls, QObject* parent)
     : QObject(parent), m_controls(controls) {
-    connect(&controls, &Controls::changed, this, [this](const QString& name) {
-        if (m_objects.contains(name))
-            show(name, false);
+    connect(&controls, &Controls::changed, this, [this](Control control) {
+        if (m_objects.contains(control))
+            show(control, false);
     });
 }
 
+Control ControlBinder::control(const QString& name) {
+    const std::optional<Control> control = controlNamed(name);
+    if (!control)
+        qFatal("the window names a control it does not have: %s", qPrintable(name));
+    return *control;
+}
+
 void ControlBinder::bind(const QString& name, QObject* object) {
+    const Control bound = control(name);
     object->setObjectName(objectNameOf(name));
-    m_objects.insert(name, object);
-    show(name, true);
+    m_objects.insert(bound, object);
+    show(bound, true);
 }
 
-void ControlBinder::refresh(const QString& name) {
-    show(name, true);
+void ControlBinder::refresh(Control control) {
+    show(control, true);
 }
 
-void ControlBinder::show(const QString& name, bool everything) {
-    QObject* o = m_objects.value(name);
-    const ControlState& s = m_controls.state(name);
-    ControlState& shown = m_shown[name];
+void ControlBinder::show(Control control, bool everything) {
+    QObject* o = m_objects.value(control);
+    const ControlState& s = m_controls.state(control);
+    ControlState& shown = m_shown[control];
     if ((everything || s.caption != shown.caption) && hasCaption(o))
         showCaption(o, s.caption);
     if (everything || s.enabled != shown.enabled)

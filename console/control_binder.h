@@ -20,22 +20,26 @@ class ControlBinder : public QObject {
 public:
     ControlBinder(const Controls& controls, QObject* parent = nullptr);
 
-    // Names `object` after the control and shows its state from now on.
+    // Names `object` after the control and shows its state from now on. A name that is no
+    // control stops the program: it is a mistake in the window's code, never the operator's.
     void bind(const QString& name, QObject* object);
-    QObject* object(const QString& name) const { return m_objects.value(name); }
+    QObject* object(const QString& name) const { return m_objects.value(control(name)); }
     template <typename T> T* get(const QString& name) const {
         return qobject_cast<T*>(object(name));
     }
 
     // Shows the state of a control in full again, e.g. after Qt ticked a menu entry by itself.
-    void refresh(const QString& name);
+    void refresh(Control control);
+
+    // The control named `name`.
+    static Control control(const QString& name);
 
 private:
-    void show(const QString& name, bool everything);
+    void show(Control control, bool everything);
 
     const Controls& m_controls;
-    QHash<QString, QObject*> m_objects;
-    QHash<QString, ControlState> m_shown;
+    QHash<Control, QObject*> m_objects;
+    QHash<Control, ControlState> m_shown;
 };
 
 } // namespace larkspur

@@ -52,7 +52,7 @@ const Command<Session> menuCommands[] = {
 
 void MainWindow::wireCommands() {
     for (const SessionButton& button : sessionButtons())
-        onClick(button.name.toLatin1().constData(),
+        onClick(controlName(button.control).toLatin1().constData(),
                 [this, operation = button.operation] { (m_session.*operation)(); });
     for (const auto& [name, command] : linkButtons)
         onClick(name, [this, command = command] { (m_session.link.*command)(); });
@@ -95,8 +95,8 @@ void MainWindow::onClick(const char* name, const std::function<void()>& operatio
 }
 
 void MainWindow::onCheck(const char* name, const std::function<void(bool)>& operation) {
-    const QString control = QLatin1String(name);
-    connect(m_controls.get<QAbstractButton>(control), &QAbstractButton::clicked, this,
+    const Control control = ControlBinder::control(QLatin1String(name));
+    connect(m_controls.get<QAbstractButton>(QLatin1String(name)), &QAbstractButton::clicked, this,
             [this, control, operation](bool checked) {
                 m_runner.run([&] {
                     operation(checked);
@@ -120,7 +120,7 @@ void MainWindow::onMenu(const char* name, const std::function<void()>& operation
             // Qt ticks a checkable entry by itself on a click; the ticks are the session's.
             for (const char* entry :
                  {"mnuHotel", "mnuVoiceMail", "mnu_HIS", "mnu_Hyatt", "mnuCommport", "mnuTelnet"})
-                m_controls.refresh(QLatin1String(entry));
+                m_controls.refresh(ControlBinder::control(QLatin1String(entry)));
         });
 }
 

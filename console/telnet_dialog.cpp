@@ -48,8 +48,8 @@ void TelnetDialog::load() {
 }
 
 void TelnetDialog::ok() {
-    m_session.controls.setChecked(QStringLiteral("mnuTelnet"), true);
-    m_session.controls.setChecked(QStringLiteral("mnuCommport"), false);
+    m_session.controls.setChecked(Control::mnuTelnet, true);
+    m_session.controls.setChecked(Control::mnuCommport, false);
     LinkSettings& s = m_session.link.settings;
     s.useTcp = true;
     s.ipAddress = m_address->Address();

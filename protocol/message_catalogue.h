@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/control.h"
 #include "core/field.h"
 
 #include <QList>
@@ -22,7 +23,7 @@ struct FieldColumn {
 struct HotelMessage {
     QString code;                   // what the frame body starts with: "CHK1", "MW 1", "WKP", "RST"
     QString name;                   // "check-in", in the wire trace and the run statistics
-    QString button;                 // the control that sends it: "cmd_chk_in"
+    Control button;                 // the control that sends it
     QString logPrefix;              // "Sending     -->", each with its own blanks
     QString failureSentence;        // "-> PBX DID NOT ACKnowkledge the Check in message:"
     bool ackNeedsPoll = false;      // check-in also polls and judges by the last control
@@ -37,10 +38,10 @@ struct HotelMessage {
 // One mailbox operation in voice-mail mode, and its frame layout: the mailbox in six characters
 // after the code, then the second field in `extraWidth` (0: none).
 struct VmailMessage {
-    QString code;   // "2"
-    QString name;   // "voice mail 2 check-in"
-    QString button; // the control that sends it; empty for the resynchronisation
-    QString label;  // the log line's head, before the mailbox: "CHECK IN: "
+    QString code;                                 // "2"
+    QString name;                                 // "voice mail 2 check-in"
+    std::optional<Control> button = std::nullopt; // the control that sends it; none for the resync
+    QString label; // the log line's head, before the mailbox: "CHECK IN: "
     bool hasMailbox = true;
     std::optional<Field> extra = std::nullopt;
     int extraWidth = 0;

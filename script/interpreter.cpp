@@ -40,9 +40,9 @@ struct Cursor {
 
 void ScriptEngine::restoreButtonsAfterRun() {
     Controls& c = m_session.controls;
-    c.setEnabled({"cmd_start_script", "Xtest"}, true);
+    c.setEnabled({Control::cmd_start_script, Control::Xtest}, true);
     c.setEnabled(transactionButtons(), true);
-    c.setEnabled({"cmd_end_script", "StopScript"}, false);
+    c.setEnabled({Control::cmd_end_script, Control::StopScript}, false);
 }
 
 ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {

@@ -43,9 +43,9 @@ void ScriptEngine::cmd_start_script() {
     Session& s = m_session;
     if (s.link.waitingForAck() || !linkIsUp(s))
         return;
-    s.controls.setEnabled(QStringLiteral("cmd_start_script"), false);
-    s.controls.setEnabled(QStringLiteral("cmd_end_script"), true);
-    s.controls.setEnabled(QStringLiteral("Xtest"), false);
+    s.controls.setEnabled(Control::cmd_start_script, false);
+    s.controls.setEnabled(Control::cmd_end_script, true);
+    s.controls.setEnabled(Control::Xtest, false);
     if (s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
     } else {
@@ -77,8 +77,8 @@ void ScriptEngine::cmd_end_script() {
         return;
     }
     s.recorder.finish();
-    s.controls.setEnabled({"Xtest", "cmd_start_script"}, true);
-    s.controls.setEnabled(QStringLiteral("cmd_end_script"), false);
+    s.controls.setEnabled({Control::Xtest, Control::cmd_start_script}, true);
+    s.controls.setEnabled(Control::cmd_end_script, false);
 }
 
 void ScriptEngine::cmb_wait_Click(const QString& item) {

@@ -13,7 +13,8 @@ namespace {
 const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 
 // Buttons that stay usable while a script plays are the four the operator presses first.
-const QStringList pressedFirst = {"cmd_chk_in", "cmd_chk_out", "cmd_name_1", "Command6"};
+const QList<Control> pressedFirst = {Control::cmd_chk_in, Control::cmd_chk_out, Control::cmd_name_1,
+                                     Control::Command6};
 } // namespace
 
 ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
@@ -50,11 +51,12 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
         return RunOutcome::Busy;
 
     s.clearScriptStop();
-    s.controls.setEnabled({"cmd_start_script", "cmd_end_script", "Xtest"}, false);
-    s.controls.setEnabled(QStringLiteral("StopScript"), true);
-    QStringList rest = transactionButtons();
-    for (const QString& name : pressedFirst)
-        rest.removeAll(name);
+    s.controls.setEnabled({Control::cmd_start_script, Control::cmd_end_script, Control::Xtest},
+                          false);
+    s.controls.setEnabled(Control::StopScript, true);
+    QList<Control> rest = transactionButtons();
+    for (Control control : pressedFirst)
+        rest.removeAll(control);
     s.controls.setEnabled(rest, false);
 
     s.link.pmsMode = script.pmsMode;
@@ -76,8 +78,8 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 void ScriptEngine::StopScript() {
     Session& s = m_session;
     s.requestScriptStop();
-    s.controls.setEnabled({"cmd_start_script", "Xtest"}, true);
-    s.controls.setEnabled({"cmd_end_script", "StopScript"}, false);
+    s.controls.setEnabled({Control::cmd_start_script, Control::Xtest}, true);
+    s.controls.setEnabled({Control::cmd_end_script, Control::StopScript}, false);
     s.controls.setEnabled(transactionButtons(), true);
 }
 

@@ -7,7 +7,7 @@ namespace larkspur {
 
 namespace {
 
-std::function<void(Session&)> press(const QString& button) {
+std::function<void(Session&)> press(Control button) {
     const SessionOperation operation = sessionOperation(button);
     Q_ASSERT(operation);
     return [operation](Session& s) { (s.*operation)(); };
@@ -19,12 +19,12 @@ std::function<void(Session&)> press(const QString& button) {
 QList<ScriptCommand> buildTable() {
     QList<ScriptCommand> table;
     for (const VmailMessage& message : vmailMessages()) {
-        if (message.button.isEmpty())
+        if (!message.button)
             continue;
         QList<FieldColumn> copies = {{1, mailboxWidth, Field::txt_ls_pilot}};
         if (message.extra)
             copies.append({mailboxWidth + 1, message.extraWidth, *message.extra});
-        table.append({message.code, copies, press(message.button)});
+        table.append({message.code, copies, press(*message.button)});
     }
     for (const HotelMessage& message : hotelMessages()) {
         for (const QString& word : message.scriptWords) {

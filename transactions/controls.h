@@ -1,9 +1,13 @@
 #pragma once
 
-#include <QHash>
+#include "core/control.h"
+
+#include <QList>
 #include <QObject>
 #include <QString>
-#include <QStringList>
+
+#include <initializer_list>
+#include <vector>
 
 namespace larkspur {
 
@@ -15,38 +19,35 @@ struct ControlState {
     bool checked = false;
 };
 
-// The captions, enabling, visibility and ticks of every control, keyed by the control's name
-// ("cmd_chk_in", "mnuTelnet"; an element of a control array as "label_wait(1)"). The engine
-// sets them by the console's rules; the window only mirrors them.
+// The captions, enabling, visibility and ticks of every control. The engine sets them by the
+// console's rules; the window only mirrors them.
 class Controls : public QObject {
     Q_OBJECT
 public:
     Controls();
 
-    const ControlState& state(const QString& name) const;
-    QStringList names() const { return m_order; }
+    const ControlState& state(Control control) const { return m_states[size_t(control)]; }
 
-    void setCaption(const QString& name, const QString& caption);
-    void setEnabled(const QString& name, bool enabled);
-    void setVisible(const QString& name, bool visible);
-    void setChecked(const QString& name, bool checked);
-    void setEnabled(const QStringList& names, bool enabled);
-    void setVisible(const QStringList& names, bool visible);
+    void setCaption(Control control, const QString& caption);
+    void setEnabled(Control control, bool enabled);
+    void setVisible(Control control, bool visible);
+    void setChecked(Control control, bool checked);
+    void setEnabled(const QList<Control>& controls, bool enabled);
+    void setVisible(const QList<Control>& controls, bool visible);
 
 Q_SIGNALS:
-    void changed(const QString& name);
+    void changed(larkspur::Control control);
 
 private:
     // Sets one property of a control and announces it when it changed.
-    template <typename T> void update(const QString& name, T ControlState::*property, T value);
+    template <typename T> void update(Control control, T ControlState::*property, T value);
 
-    QHash<QString, ControlState> m_states;
-    QStringList m_order;
+    std::vector<ControlState> m_states;
 };
 
 // The sixteen hotel transaction buttons, the linked-suite buttons and the manual link buttons.
-const QStringList& transactionButtons();
-const QStringList& linkedSuiteButtons();
-const QStringList& manualLinkButtons();
+const QList<Control>& transactionButtons();
+const QList<Control>& linkedSuiteButtons();
+const QList<Control>& manualLinkButtons();
 
 } // namespace larkspur

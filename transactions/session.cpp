@@ -6,8 +6,8 @@ Session::Session(EventPump& eventPump, OperatorInterface& op, Transport& tcp, Tr
     : pump(eventPump), operatorInterface(op), link(eventPump, log, op, tcp, serial) {
     connect(&link, &Link::recordingStopped, this, [this] { recorder.suspend(); });
     connect(&link, &Link::connected, this, [this] {
-        controls.setEnabled(QStringLiteral("cmd_connect"), false);
-        controls.setEnabled(QStringLiteral("cmd_disconnect"), true);
+        controls.setEnabled(Control::cmd_connect, false);
+        controls.setEnabled(Control::cmd_disconnect, true);
         enable_transaction_controls();
     });
     connect(&link, &Link::disconnected, this, [this] {
@@ -19,8 +19,8 @@ Session::Session(EventPump& eventPump, OperatorInterface& op, Transport& tcp, Tr
     connect(&link, &Link::linkLost, this, [this] {
         requestScriptStop();
         disable_transaction_controls();
-        controls.setEnabled(QStringLiteral("cmd_connect"), true);
-        controls.setEnabled(QStringLiteral("cmd_disconnect"), false);
+        controls.setEnabled(Control::cmd_connect, true);
+        controls.setEnabled(Control::cmd_disconnect, false);
     });
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "core/control.h"
+
 #include <QList>
-#include <QString>
 
 namespace larkspur {
 
@@ -10,13 +11,13 @@ class Session;
 // What a button of the session starts.
 using SessionOperation = void (Session::*)();
 struct SessionButton {
-    QString name; // the control's name: "cmd_chk_in"
+    Control control;
     SessionOperation operation;
 };
 
 // Every button whose operation is the session's own, in the window's order.
 const QList<SessionButton>& sessionButtons();
-// The operation of the button `name`, or nullptr.
-SessionOperation sessionOperation(const QString& name);
+// The operation of the button `control`, or nullptr.
+SessionOperation sessionOperation(Control control);
 
 } // namespace larkspur

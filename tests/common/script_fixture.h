@@ -39,7 +39,9 @@ protected:
                 out << QString::fromLatin1(w.mid(1, w.indexOf('\x03') - 1));
         return out;
     }
-    bool enabled(const char* name) const { return session.controls.state(name).enabled; }
+    bool enabled(const char* name) const {
+        return session.controls.state(*controlNamed(name)).enabled;
+    }
 };
 
 } // namespace larkspur::test

@@ -21,7 +21,7 @@ class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
     LinkSettings& settings = session.link.settings;
 
-    bool ticked(const char* menu) { return session.controls.state(menu).checked; }
+    bool ticked(const char* menu) { return session.controls.state(*controlNamed(menu)).checked; }
     template <typename T> T* in(QWidget& dialog, const char* name) {
         T* w = dialog.findChild<T*>(QLatin1String(name));
         EXPECT_TRUE(w) << name;

@@ -38,10 +38,11 @@ using MainWindowTest = ConsoleFixture;
 
 TEST_F(MainWindowTest, EveryControlIsThereUnderItsNameWithItsCaption) {
     window();
-    for (const QString& name : session.controls.names()) {
+    for (Control control : allControls()) {
+        const QString name = controlName(control);
         QObject* o = window().findChild<QObject*>(objectNameOf(name));
         ASSERT_TRUE(o) << name.toStdString();
-        EXPECT_EQ(captionOf(o), session.controls.state(name).caption) << name.toStdString();
+        EXPECT_EQ(captionOf(o), session.controls.state(control).caption) << name.toStdString();
     }
     EXPECT_EQ(window().objectName(), "PMS_FORM");
     EXPECT_TRUE(find<QLabel>("label_wait_1"));
@@ -165,7 +166,8 @@ TEST_F(MainWindowTest, EveryControlHasAReadableAccessibleName) {
     window();
     for (const char* mode : {"mnuVoiceMail", "mnuHotel"}) {
         find<QAction>(mode)->trigger();
-        for (const QString& name : session.controls.names()) {
+        for (Control control : allControls()) {
+            const QString name = controlName(control);
             auto* widget = qobject_cast<QWidget*>(window().findChild<QObject*>(objectNameOf(name)));
             if (!widget || widget->isHidden() || qobject_cast<QLabel*>(widget) ||
                 qobject_cast<QGroupBox*>(widget))

@@ -122,7 +122,7 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
     EXPECT_EQ(session.link.pmsMode, "VMAIL");
     EXPECT_EQ(tcp.written, sent);
-    EXPECT_EQ(session.controls.state("cmd_name_1").caption, "Query MW Status");
+    EXPECT_EQ(session.controls.state(Control::cmd_name_1).caption, "Query MW Status");
 }
 
 TEST_F(Runner, UnknownWordStopsTheScript) {

@@ -13,7 +13,7 @@ namespace {
 
 class ConsoleState : public ::testing::Test, protected FakeSession {
 protected:
-    const ControlState& c(const char* name) { return session.controls.state(name); }
+    const ControlState& c(const char* name) { return session.controls.state(*controlNamed(name)); }
 };
 
 TEST_F(ConsoleState, ModesRelabelAndHide) {

@@ -26,8 +26,9 @@ QString linkStatusText(const LinkSettings& settings, LinkState state, const QStr
     return where;
 }
 
-QString modeStatusText(const QString& pmsMode, const QString& protocolType) {
-    return QStringLiteral("%1 mode, %2 protocol").arg(pmsMode, protocolType);
+QString modeStatusText(PmsMode pmsMode, Protocol protocolType) {
+    return QStringLiteral("%1 mode, %2 protocol")
+        .arg(pmsModeName(pmsMode), protocolName(protocolType));
 }
 
 } // namespace larkspur

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pms_mode.h"
+
 #include <QString>
 
 namespace larkspur {
@@ -14,6 +16,6 @@ enum class LinkState { Closed, Connecting, NoResponse, Connected, Lost };
 QString linkStatusText(const LinkSettings& settings, LinkState state, const QString& reason);
 
 // "HOTEL mode, HYATT protocol".
-QString modeStatusText(const QString& pmsMode, const QString& protocolType);
+QString modeStatusText(PmsMode pmsMode, Protocol protocolType);
 
 } // namespace larkspur

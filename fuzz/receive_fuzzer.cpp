@@ -60,9 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     Rig rig(settings & 8);
     Link& link = rig.session.link;
-    link.pmsMode = settings & 1 ? QStringLiteral("VMAIL") : QStringLiteral("HOTEL");
+    link.pmsMode = settings & 1 ? PmsMode::Vmail : PmsMode::Hotel;
     link.settings.useTcp = !(settings & 2);
-    link.protocolType = settings & 4 ? QStringLiteral("HIS") : QStringLiteral("HYATT");
+    link.protocolType = settings & 4 ? Protocol::His : Protocol::Hyatt;
 
     while (!in.atEnd()) {
         const uint8_t how = in.byte();

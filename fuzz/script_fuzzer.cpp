@@ -64,8 +64,9 @@ private:
 };
 
 void checkRead(const ScriptText& script) {
-    FUZZ_CHECK(script.pmsMode == u"HOTEL" || script.pmsMode == u"VMAIL", "mode");
-    FUZZ_CHECK(script.protocolType == u"HYATT" || script.protocolType == u"HIS", "protocol");
+    FUZZ_CHECK(script.pmsMode == PmsMode::Hotel || script.pmsMode == PmsMode::Vmail, "mode");
+    FUZZ_CHECK(script.protocolType == Protocol::Hyatt || script.protocolType == Protocol::His,
+               "protocol");
     FUZZ_CHECK(script.text.endsWith(char(ctl::ETX)), "the script text ends in ETX");
     const QString lines = QString::fromLatin1(script.text.chopped(1));
     FUZZ_CHECK(lines.isEmpty() || lines.endsWith(u"\r\n"), "every kept line ends in CR LF");
@@ -120,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     session.link.settings.useTcp = !(play & 64);
     FakeTransport& active = session.link.settings.useTcp ? tcp : serial;
     SimulatedPbx pbx{pump, active};
-    if (script.pmsMode == u"VMAIL")
+    if (script.pmsMode == PmsMode::Vmail)
         pbx.setMode(sim::Mode::Vmail);
     pbx.options.onEnq = answerOf(play >> 1);
     pbx.options.onFrame = answerOf(play >> 3);
@@ -182,7 +183,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FUZZ_CHECK(isLogText(session.log.logText()), "the log holds only 32..122 and CR LF pairs");
     for (const FakeTransport* t : {&tcp, &serial})
         for (const QByteArray& w : t->written)
-            FUZZ_CHECK(isWrite(w, script.pmsMode == u"VMAIL"),
+            FUZZ_CHECK(isWrite(w, script.pmsMode == PmsMode::Vmail),
                        "only control bytes and whole frames reach the PBX");
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:

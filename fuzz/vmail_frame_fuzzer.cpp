@@ -53,7 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         code = knownCodes[code.isEmpty() ? 0 : code.at(0).unicode() % std::size(knownCodes)];
 
     bool recognized = false;
-    const QString frame = build_vmail_message(code, field1, field2, protocol, recognized);
+    const QString frame = build_vmail_message(
+        code, field1, field2, protocol == u"HYATT" ? Protocol::Hyatt : Protocol::His, recognized);
 
     FUZZ_CHECK(frame.size() >= 3, "a frame has STX, ETX and the check character");
     FUZZ_CHECK(frame.front() == QChar(ctl::STX), "a frame starts with STX");

@@ -94,7 +94,7 @@ bool Link::openSerial() {
 }
 
 bool Link::testLink() {
-    if (pmsMode == u"VMAIL") {
+    if (pmsMode == PmsMode::Vmail) {
         const QString frame = build_vmail_message(QStringLiteral("1"), QString(), QString());
         if (settings.useTcp)
             m_log.logLine(QStringLiteral("Connecting..."));

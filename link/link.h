@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/pms_mode.h"
 #include "link/transport.h"
 
 #include <QObject>
@@ -52,8 +53,8 @@ public:
     Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
          Transport& serial);
 
-    QString pmsMode = QStringLiteral("HOTEL");
-    QString protocolType = QStringLiteral("HYATT");
+    PmsMode pmsMode = PmsMode::Hotel;
+    Protocol protocolType = Protocol::Hyatt;
     LinkSettings settings;
 
     // A wait or a transaction is running.

@@ -8,10 +8,10 @@ namespace larkspur {
 
 void traceLink(Link& link, WireTrace& trace) {
     QObject::connect(&link, &Link::bytesSent, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.sent(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
+        trace.sent(bytes, link.pump().currentDateTime(), link.pmsMode != PmsMode::Hotel);
     });
     QObject::connect(&link, &Link::bytesReceived, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.received(bytes, link.pump().currentDateTime(), link.pmsMode != u"HOTEL");
+        trace.received(bytes, link.pump().currentDateTime(), link.pmsMode != PmsMode::Hotel);
     });
 }
 

@@ -85,12 +85,12 @@ void Link::receive(QString text, Receiver receiver) {
         send_text(QString(QChar(ctl::ACK)));
     const auto logAnswer = [this] { m_log.logLine(QStringLiteral("Sending -->    ACK")); };
 
-    if (pmsMode != u"HOTEL")
+    if (pmsMode != PmsMode::Hotel)
         logVmailStatus(text, receiver);
 
     if (isOne(text, ctl::ACK)) {
-        m_log.logLine(pmsMode == u"HOTEL" ? received + QStringLiteral("ACK")
-                                          : QStringLiteral("PBX ACKed"));
+        m_log.logLine(pmsMode == PmsMode::Hotel ? received + QStringLiteral("ACK")
+                                                : QStringLiteral("PBX ACKed"));
         m_lastControl = QStringLiteral("ACK");
         m_vmailAcked = true;
     } else if (isOne(text, ctl::ENQ)) {

@@ -26,11 +26,11 @@ void loadLinkSettings(QSettings& store, Link& link) {
     s.stopBits = text("StopBit", defaults.stopBits);
     s.handShake = text("HandShake", defaults.handShake);
     s.useTcp = text("ConnectionType", QStringLiteral("Telnet")) == u"Telnet";
-    link.protocolType = text("ProtocolType", QStringLiteral("HYATT")) == u"HYATT"
-                            ? QStringLiteral("HYATT")
-                            : QStringLiteral("HIS");
-    link.pmsMode = text("PMSMode", QStringLiteral("HOTEL")) == u"HOTEL" ? QStringLiteral("HOTEL")
-                                                                        : QStringLiteral("VMAIL");
+    // Anything but the first-run value reads as the other one.
+    link.protocolType =
+        text("ProtocolType", QStringLiteral("HYATT")) == u"HYATT" ? Protocol::Hyatt : Protocol::His;
+    link.pmsMode =
+        text("PMSMode", QStringLiteral("HOTEL")) == u"HOTEL" ? PmsMode::Hotel : PmsMode::Vmail;
     store.endGroup();
 }
 
@@ -45,8 +45,8 @@ void saveLinkSettings(QSettings& store, const Link& link) {
     store.setValue(QStringLiteral("Databit"), s.dataBits);
     store.setValue(QStringLiteral("StopBit"), s.stopBits);
     store.setValue(QStringLiteral("HandShake"), s.handShake);
-    store.setValue(QStringLiteral("ProtocolType"), link.protocolType);
-    store.setValue(QStringLiteral("PMSMode"), link.pmsMode);
+    store.setValue(QStringLiteral("ProtocolType"), protocolName(link.protocolType));
+    store.setValue(QStringLiteral("PMSMode"), pmsModeName(link.pmsMode));
     store.setValue(QStringLiteral("ConnectionType"),
                    s.useTcp ? QStringLiteral("Telnet") : QStringLiteral("CommPort"));
     store.endGroup();

@@ -72,19 +72,19 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
         } else if (a == u"--mode") {
             if (!value(v))
                 return std::nullopt;
-            if (v != u"HOTEL" && v != u"VMAIL") {
+            o.mode = pmsModeNamed(v);
+            if (!o.mode) {
                 error = QStringLiteral("--mode is HOTEL or VMAIL, not \"%1\"").arg(v);
                 return std::nullopt;
             }
-            o.mode = v;
         } else if (a == u"--protocol") {
             if (!value(v))
                 return std::nullopt;
-            if (v != u"HYATT" && v != u"HIS") {
+            o.protocol = protocolNamed(v);
+            if (!o.protocol) {
                 error = QStringLiteral("--protocol is HYATT or HIS, not \"%1\"").arg(v);
                 return std::nullopt;
             }
-            o.protocol = v;
         } else if (a == u"--error-mode") {
             o.errorMode = true;
         } else if (a == u"--continuous") {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pms_mode.h"
+
 #include <QString>
 
 #include <optional>
@@ -15,8 +17,8 @@ struct PlayerOptions {
     bool dtr = false;
     bool rts = false;
     bool nullDiscard = false;
-    std::optional<QString> mode;     // HOTEL or VMAIL
-    std::optional<QString> protocol; // HYATT or HIS
+    std::optional<PmsMode> mode;
+    std::optional<Protocol> protocol;
     bool errorMode = false;
     bool continuous = false;
     double connectTimeoutSeconds = 30;

@@ -6,7 +6,7 @@
 namespace larkspur {
 
 QString build_vmail_message(const QString& code, const QString& field1, const QString& field2,
-                            const QString& protocolType, bool& recognized) {
+                            Protocol protocolType, bool& recognized) {
     QString body = code;
     const VmailMessage* layout = findVmailMessage(code);
     recognized = layout != nullptr;
@@ -20,7 +20,7 @@ QString build_vmail_message(const QString& code, const QString& field1, const QS
             body += pad_field(f2, layout->extraWidth);
         }
     }
-    if (protocolType == u"HYATT")
+    if (protocolType == Protocol::Hyatt)
         pad_field(body, 13);
     return start_of_text() + body + end_of_text() + CRC(body + end_of_text());
 }

@@ -47,7 +47,7 @@ void ScriptEngine::restoreButtonsAfterRun() {
 
 ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
     Session& s = m_session;
-    const bool vmail = script.pmsMode != u"HOTEL";
+    const bool vmail = script.pmsMode != PmsMode::Hotel;
     const QByteArray& text = script.text;
     Cursor cursor{script, vmail ? 2 : 1};
     for (;;) {

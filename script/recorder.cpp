@@ -49,8 +49,8 @@ void ScriptEngine::cmd_start_script() {
     if (s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
     } else {
-        s.recorder.start(s.link.pmsMode != u"HOTEL"
-                             ? QStringLiteral("VMAIL") + s.link.protocolType +
+        s.recorder.start(s.link.pmsMode != PmsMode::Hotel
+                             ? QStringLiteral("VMAIL") + protocolName(s.link.protocolType) +
                                    QStringLiteral("\r\n")
                              : QString());
     }

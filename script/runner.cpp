@@ -61,7 +61,7 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 
     s.link.pmsMode = script.pmsMode;
     s.link.protocolType = script.protocolType;
-    if (script.pmsMode == u"HOTEL")
+    if (script.pmsMode == PmsMode::Hotel)
         s.set_hotel_labels();
     else
         s.set_vmail_labels();

@@ -45,8 +45,6 @@ bool kept(QByteArrayView line) {
 
 ScriptText readScript(const QByteArray& file) {
     ScriptText script;
-    script.pmsMode = QStringLiteral("HOTEL");
-    script.protocolType = QStringLiteral("HYATT");
     script.text.reserve(file.size() + 3);
 
     Lines lines(file);
@@ -54,9 +52,8 @@ ScriptText readScript(const QByteArray& file) {
     for (int fileLine = 1; !lines.atEnd(); ++fileLine) {
         const QByteArrayView line = lines.next();
         if (fileLine == 1 && line.contains("VMAIL")) {
-            script.pmsMode = QStringLiteral("VMAIL");
-            script.protocolType =
-                line.contains("HYATT") ? QStringLiteral("HYATT") : QStringLiteral("HIS");
+            script.pmsMode = PmsMode::Vmail;
+            script.protocolType = line.contains("HYATT") ? Protocol::Hyatt : Protocol::His;
         }
         // The line read last is never kept.
         if (lines.atEnd() || !kept(line))

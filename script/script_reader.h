@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pms_mode.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -10,8 +12,8 @@ namespace larkspur {
 // ETX, one byte a character. The first line decides the mode and protocol.
 class ScriptText {
 public:
-    QString pmsMode;      // "HOTEL" or "VMAIL"
-    QString protocolType; // "HYATT" or "HIS"
+    PmsMode pmsMode = PmsMode::Hotel;
+    Protocol protocolType = Protocol::Hyatt;
     QByteArray text;
 
     // The file's line number of the kept line holding the 1-based `position` of the text; 0 for

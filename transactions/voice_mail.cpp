@@ -20,7 +20,7 @@ QString keptText(Fields& fields, Field field, qsizetype kept) {
 } // namespace
 
 bool inVmailMode(const Session& session) {
-    return session.link.pmsMode != u"HOTEL";
+    return session.link.pmsMode != PmsMode::Hotel;
 }
 
 void send_vmail_operation(Session& session, VmailOperation operation) {

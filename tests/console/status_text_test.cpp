@@ -31,7 +31,7 @@ TEST(StatusText, NamesTheLinkAndItsState) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(linkStatusText(c.settings, c.state, c.reason), c.text);
-    EXPECT_EQ(modeStatusText("VMAIL", "HIS"), "VMAIL mode, HIS protocol");
+    EXPECT_EQ(modeStatusText(PmsMode::Vmail, Protocol::His), "VMAIL mode, HIS protocol");
 }
 
 TEST(SystemInfo, MemoryFromMeminfo) {

@@ -60,8 +60,8 @@ TEST_F(LinkEndToEnd, ConnectOverTcpInVmailMode) {
     PbxSimProcess sim({"--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     overTcp(sim);
-    link.pmsMode = "VMAIL";
-    link.protocolType = "HIS";
+    link.pmsMode = PmsMode::Vmail;
+    link.protocolType = Protocol::His;
     ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
     EXPECT_EQ(lines(), QStringList({"Connecting...", "12", "PBX ACKed", "Connected..."}));
     ASSERT_TRUE(sim.waitForTraceLines(2));

@@ -62,8 +62,8 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
 TEST_F(TransactionsEndToEnd, VoiceMailCheckIn) {
     PbxSimProcess sim({"--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
-    session.link.pmsMode = "VMAIL";
-    session.link.protocolType = "HIS";
+    session.link.pmsMode = PmsMode::Vmail;
+    session.link.protocolType = Protocol::His;
     connectTo(sim);
     session.fields.setText(Field::txt_ls_pilot, "4001");
     session.cmd_chk_in();

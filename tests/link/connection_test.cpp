@@ -23,9 +23,9 @@ TEST_F(Connection, TcpHotel) {
 }
 
 TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
-    link.pmsMode = "VMAIL";
+    link.pmsMode = PmsMode::Vmail;
     tcpPbx.setMode(sim::Mode::Vmail);
-    link.protocolType = "HIS";
+    link.protocolType = Protocol::His;
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
     EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray("\x02"
                                                         "1\x03"
@@ -36,7 +36,7 @@ TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
 
 TEST_F(Connection, SerialVmailLogsConnectingOnce) {
     useSerial();
-    link.pmsMode = "VMAIL";
+    link.pmsMode = PmsMode::Vmail;
     serialPbx.setMode(sim::Mode::Vmail);
     QSignalSpy recordingStopped(&link, &Link::recordingStopped);
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);

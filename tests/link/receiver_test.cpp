@@ -156,14 +156,14 @@ TEST_F(Receiver, ClassifiesLogsAndAnswers) {
         SetUp();
         link.settings.useTcp = c.tcp;
         // What the PBX said before this case, already looked at by a wait.
-        link.pmsMode = "HOTEL";
+        link.pmsMode = PmsMode::Hotel;
         receive(c.tcp, untouched);
         link.clearAckReceived();
         link.expectVmailAck();
         log = TrafficLog();
         tcp.written.clear();
         serial.written.clear();
-        link.pmsMode = c.mode;
+        link.pmsMode = *pmsModeNamed(c.mode);
         receive(c.tcp, c.in);
         EXPECT_EQ(lines(), c.logged) << c.name;
         EXPECT_EQ(link.lastControl(), QString::fromLatin1(c.lastControl)) << c.name;

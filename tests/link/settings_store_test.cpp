@@ -18,8 +18,8 @@ protected:
 TEST_F(SettingsStore, FirstRunDefaults) {
     QSettings store(path(), QSettings::IniFormat);
     loadLinkSettings(store, link);
-    EXPECT_EQ(link.pmsMode, "HOTEL");
-    EXPECT_EQ(link.protocolType, "HYATT");
+    EXPECT_EQ(link.pmsMode, PmsMode::Hotel);
+    EXPECT_EQ(link.protocolType, Protocol::Hyatt);
     EXPECT_TRUE(link.settings.useTcp);
     EXPECT_EQ(link.settings.ipAddress, "127.0.0.1");
     EXPECT_EQ(link.settings.telnetPort, "15374");
@@ -38,9 +38,9 @@ TEST_F(SettingsStore, UnknownValuesFallToTheOtherChoice) {
     }
     QSettings store(path(), QSettings::IniFormat);
     loadLinkSettings(store, link);
-    EXPECT_EQ(link.protocolType, "HIS");
+    EXPECT_EQ(link.protocolType, Protocol::His);
     EXPECT_FALSE(link.settings.useTcp);
-    EXPECT_EQ(link.pmsMode, "VMAIL");
+    EXPECT_EQ(link.pmsMode, PmsMode::Vmail);
 }
 
 TEST_F(SettingsStore, RoundTrip) {
@@ -48,23 +48,23 @@ TEST_F(SettingsStore, RoundTrip) {
     link.settings.commPortNumber = "/dev/pts/4";
     link.settings.stopBits = "1.5";
     link.settings.useTcp = false;
-    link.pmsMode = "VMAIL";
-    link.protocolType = "HIS";
+    link.pmsMode = PmsMode::Vmail;
+    link.protocolType = Protocol::His;
     {
         QSettings store(path(), QSettings::IniFormat);
         saveLinkSettings(store, link);
         EXPECT_EQ(store.value("Startup/ConnectionType").toString(), "CommPort");
     }
     link.settings = LinkSettings();
-    link.pmsMode = "HOTEL";
+    link.pmsMode = PmsMode::Hotel;
     QSettings store(path(), QSettings::IniFormat);
     loadLinkSettings(store, link);
     EXPECT_EQ(link.settings.ipAddress, "10.1.2.3");
     EXPECT_EQ(link.settings.commPortNumber, "/dev/pts/4");
     EXPECT_EQ(link.settings.stopBits, "1.5");
     EXPECT_FALSE(link.settings.useTcp);
-    EXPECT_EQ(link.pmsMode, "VMAIL");
-    EXPECT_EQ(link.protocolType, "HIS");
+    EXPECT_EQ(link.pmsMode, PmsMode::Vmail);
+    EXPECT_EQ(link.protocolType, Protocol::His);
 }
 
 } // namespace

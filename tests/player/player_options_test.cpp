@@ -37,8 +37,8 @@ TEST(PlayerOptions, ReadsEveryOption) {
     EXPECT_EQ(*o->tcpPort, "2001");
     EXPECT_EQ(*o->line, "9600,E,7,1");
     EXPECT_TRUE(o->dtr && o->rts && o->nullDiscard && o->errorMode && o->continuous);
-    EXPECT_EQ(*o->mode, "VMAIL");
-    EXPECT_EQ(*o->protocol, "HIS");
+    EXPECT_EQ(*o->mode, PmsMode::Vmail);
+    EXPECT_EQ(*o->protocol, Protocol::His);
     EXPECT_DOUBLE_EQ(o->connectTimeoutSeconds, 2.5);
     EXPECT_EQ(QStringList({o->saveLog, o->errorReport, o->junit, o->script}),
               QStringList({"a.log", "e.txt", "j.xml", "s.txt"}));

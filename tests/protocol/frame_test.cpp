@@ -83,7 +83,8 @@ TEST(VmailFrame, BodyLayoutByCodeAndProtocol) {
     };
     for (auto& c : cases) {
         bool recognized = false;
-        const QString frame = build_vmail_message(c.code, c.f1, c.f2, c.protocol, recognized);
+        const QString frame =
+            build_vmail_message(c.code, c.f1, c.f2, *protocolNamed(c.protocol), recognized);
         EXPECT_EQ(frame, stx() + c.body + etx() + CRC(c.body + etx()))
             << c.code.toStdString() << " " << c.protocol.toStdString();
         EXPECT_TRUE(recognized);
@@ -92,10 +93,10 @@ TEST(VmailFrame, BodyLayoutByCodeAndProtocol) {
 
 TEST(VmailFrame, WorkedExampleCheckCharacter) {
     bool recognized = false;
-    const QString frame = build_vmail_message("1", "", "", "HIS", recognized);
+    const QString frame = build_vmail_message("1", "", "", Protocol::His, recognized);
     EXPECT_EQ(frame, stx() + "1" + etx() + "2");
 
-    const QString f = build_vmail_message("2", " 4001 ", "", "HIS", recognized);
+    const QString f = build_vmail_message("2", " 4001 ", "", Protocol::His, recognized);
     ASSERT_EQ(f.size(), 1 + 7 + 1 + 1);
     int bcc = 3;
     for (QChar c : QString("24001  "))
@@ -105,21 +106,21 @@ TEST(VmailFrame, WorkedExampleCheckCharacter) {
 
 TEST(VmailFrame, UnknownCodeIsFlaggedAndStillFramed) {
     bool recognized = true;
-    const QString frame = build_vmail_message("Z", "4001", "12", "HYATT", recognized);
+    const QString frame = build_vmail_message("Z", "4001", "12", Protocol::Hyatt, recognized);
     EXPECT_FALSE(recognized);
     const QString body = "Z            ";
     EXPECT_EQ(frame, stx() + body + etx() + CRC(body + etx()));
 
-    EXPECT_EQ(build_vmail_message("a", "4001", "", "HIS", recognized),
+    EXPECT_EQ(build_vmail_message("a", "4001", "", Protocol::His, recognized),
               stx() + "a" + etx() + CRC("a" + etx()))
         << "codes are matched exactly, case included";
 }
 
 TEST(VmailFrame, FieldOneLosesBlanksOnlyNotOtherWhiteSpace) {
     bool recognized = false;
-    EXPECT_EQ(build_vmail_message("2", " \t4001 ", "", "HIS", recognized),
+    EXPECT_EQ(build_vmail_message("2", " \t4001 ", "", Protocol::His, recognized),
               stx() + "2\t4001 " + etx() + CRC("2\t4001 " + etx()));
-    EXPECT_EQ(build_vmail_message("7", "  4001  ", " 12 ", "HIS", recognized),
+    EXPECT_EQ(build_vmail_message("7", "  4001  ", " 12 ", Protocol::His, recognized),
               stx() + "74001   12   " + etx() + CRC("74001   12   " + etx()));
 }
 

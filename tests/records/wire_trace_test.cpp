@@ -61,8 +61,8 @@ TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
 }
 
 TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
-    link.pmsMode = "VMAIL";
-    link.protocolType = "HIS";
+    link.pmsMode = PmsMode::Vmail;
+    link.protocolType = Protocol::His;
     tcpPbx.setMode(sim::Mode::Vmail);
     sendVmailFrame(link, link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
     tcp.deliver(QByteArray("\x02"

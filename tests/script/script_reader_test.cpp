@@ -43,8 +43,8 @@ TEST(ScriptReader, KeepsDropsAndDecidesTheMode) {
     };
     for (auto& c : cases) {
         const ScriptText s = readScript(c.file);
-        EXPECT_EQ(s.pmsMode, c.mode) << c.name;
-        EXPECT_EQ(s.protocolType, c.protocol) << c.name;
+        EXPECT_EQ(pmsModeName(s.pmsMode), c.mode) << c.name;
+        EXPECT_EQ(protocolName(s.protocolType), c.protocol) << c.name;
         EXPECT_EQ(s.text, c.text) << c.name;
     }
 }

@@ -109,7 +109,7 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
     for (auto& c : cases) {
         SetUp();
         log = TrafficLog();
-        link.pmsMode = "VMAIL";
+        link.pmsMode = PmsMode::Vmail;
         tcpPbx.setMode(sim::Mode::Vmail);
         tcpPbx.options.onFrame = c.answer;
         const qint64 start = pump.elapsedMs();

@@ -37,7 +37,7 @@ public:
     // Lost: the link went away during the connection test.
     enum class ConnectResult { Connected, NoResponse, NotOpened, Lost };
 
-    // Marks the link busy for as long as it lives: a second transaction, a recording button or
+    // Marks the link busy for as long as it lives: a second send, a recording button or
     // a guarded manual command does nothing meanwhile. Clears the mark when it ends.
     class WaitGuard {
     public:
@@ -57,7 +57,7 @@ public:
     Protocol protocolType = Protocol::Hyatt;
     LinkSettings settings;
 
-    // A wait or a transaction is running.
+    // A wait or a send sequence is running.
     bool waitingForAck() const { return m_waitingForAck; }
     // Something arrived since the last wait started.
     bool ackReceived() const { return m_ackReceived; }

@@ -117,10 +117,8 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
                 options.ptyLink = arguments.at(++i);
         } else if (arg == u"--mode") {
             const auto mode = value(arg);
-            if (mode && *mode == u"HOTEL")
-                options.mode = Mode::Hotel;
-            else if (mode && *mode == u"VMAIL")
-                options.mode = Mode::Vmail;
+            if (const std::optional<Mode> named = mode ? pmsModeNamed(*mode) : std::nullopt)
+                options.mode = *named;
             else if (mode)
                 error = QStringLiteral("--mode: \"%1\" is not HOTEL or VMAIL").arg(*mode);
         } else if (arg == u"--on-enq" || arg == u"--on-frame") {

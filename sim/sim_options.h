@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pms_mode.h"
+
 #include <QByteArray>
 #include <QHostAddress>
 #include <QList>
@@ -14,7 +16,7 @@ namespace larkspur::sim {
 enum class Answer { Ack, Nak, Silent };
 
 // HOTEL frames are STX..ETX; VMAIL frames carry a check character after the ETX.
-enum class Mode { Hotel, Vmail };
+using Mode = PmsMode;
 
 // --at: bytes sent a number of seconds after each connect.
 struct TimedMessage {

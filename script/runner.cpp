@@ -10,11 +10,14 @@
 namespace larkspur {
 
 namespace {
-const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 
 // Buttons that stay usable while a script plays are the four the operator presses first.
 const QStringList pressedFirst = {"cmd_chk_in", "cmd_chk_out", "cmd_name_1", "Command6"};
 } // namespace
+
+QString scriptFileFilter() {
+    return QStringLiteral("Script files (*.txt *.scr);;All files (*)");
+}
 
 ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
 
@@ -23,7 +26,7 @@ void ScriptEngine::Xtest() {
         m_session.errors.resetErrors();
         return;
     }
-    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFilter);
+    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFileFilter());
     if (path.isEmpty())
         return;
     runScriptFile(path);

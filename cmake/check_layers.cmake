@@ -8,7 +8,7 @@ set(below_link core protocol records)
 set(below_transactions core protocol records link)
 set(below_script core protocol records link transactions)
 set(below_assembly core protocol records link transactions script sim)
-set(below_player core protocol records link transactions script assembly)
+set(below_player core protocol records link transactions script assembly sim)
 set(below_sim core protocol)
 set(below_console core protocol records link transactions script assembly)
 

@@ -32,7 +32,7 @@ QList<ScriptCommand> buildTable() {
                 const QString level = word.right(1);
                 table.append({word, message.columns,
                               [level](Session& s) { s.send_station_restriction(level); },
-                              message.button, message.name});
+                              message.button, message.name + QStringLiteral(" level ") + level});
             } else {
                 table.append(
                     {word, message.columns, press(message.button), message.button, message.name});

@@ -81,7 +81,7 @@ CheckScriptDialog::CheckScriptDialog(QWidget* parent)
 
 void CheckScriptDialog::showCheck(const QString& path, const ScriptCheck& check) {
     m_path = path;
-    m_summary->setText(QStringLiteral("%1: %2 script, protocol %3, %4 commands reached; %5")
+    m_summary->setText(QStringLiteral("%1: %2 script, protocol %3, commands reached: %4; %5")
                            .arg(QFileInfo(path).fileName(), check.pmsMode, check.protocolType)
                            .arg(check.rows.size())
                            .arg(check.verdictText()));

@@ -29,7 +29,7 @@ QString rowText(const CheckRow& row, int lineWidth) {
 } // namespace
 
 QString checkReportText(const QString& path, const ScriptCheck& check) {
-    QString out = QStringLiteral("%1: %2 script, protocol %3, %4 commands reached\n")
+    QString out = QStringLiteral("%1: %2 script, protocol %3, commands reached: %4\n")
                       .arg(path, check.pmsMode, check.protocolType)
                       .arg(check.rows.size());
     int lastLine = 1;

@@ -299,6 +299,11 @@ QString Checker::nextCommandPlace(qsizetype next) const {
     const LineMap::Place at = m_lines.place(next);
     if (at.line == 0)
         return QStringLiteral("the next command is read from past the script's last line");
+    // Kept lines end in CR LF.
+    const qsizetype index = m_lines.keptIndex(next);
+    if (next >= m_script.text.indexOf('\n', m_lines.lineStart(index) - 1))
+        return QStringLiteral("the next command is read from the CR LF that ends line %1")
+            .arg(at.line);
     return QStringLiteral("the next command is read from line %1, column %2")
         .arg(at.line)
         .arg(at.column);

@@ -32,39 +32,41 @@ protected:
 };
 
 // A NAM line two blanks short, and a last line that never plays.
-const QByteArray shortName = "CHK1   101\r\nNAM1 Smith                101\r\nMW 1   101\r\n"
-                             "CHK0   101\r\n";
+const QByteArray shortName = "; check-in and names\r\nCHK1   101\r\nWAIT STS2   101 5\r\n"
+                             "NAM1 Smith                  101\r\nNAM2 Jones                101\r\n"
+                             "MW 1   101\r\nCHK0   101\r\n";
 
 TEST_F(CheckScriptTest, ShowsTheRowsAndMarksThoseWithWarnings) {
     CheckScriptDialog* dialog = openCheck(scriptFile(shortName));
     ASSERT_TRUE(dialog);
     EXPECT_TRUE(dialog->isVisible());
     auto* table = dialog->findChild<QTableWidget*>("checkScriptTable");
-    ASSERT_EQ(table->rowCount(), 3);
-    EXPECT_EQ(table->item(0, 0)->text().trimmed(), "1:1");
-    EXPECT_EQ(table->item(1, 1)->text(), "NAM1");
-    EXPECT_TRUE(table->item(1, 2)->text().contains("room 27-31 \"101\\x0D\\x0A\""))
-        << table->item(1, 2)->text().toStdString();
+    ASSERT_EQ(table->rowCount(), 5);
+    EXPECT_EQ(table->item(0, 0)->text().trimmed(), "2:1");
+    EXPECT_EQ(table->item(3, 1)->text(), "NAM2");
+    EXPECT_TRUE(table->item(3, 2)->text().contains("room 27-31 \"101\\x0D\\x0A\""))
+        << table->item(3, 2)->text().toStdString();
     // Unmarked, warned, and the row where the run stops.
-    EXPECT_EQ(table->item(0, 0)->background().style(), Qt::NoBrush);
-    EXPECT_TRUE(table->item(1, 0)->text().startsWith("!"));
-    EXPECT_NE(table->item(1, 0)->background().style(), Qt::NoBrush);
-    EXPECT_TRUE(table->item(1, 0)->toolTip().contains("NAM1 fills columns 1-31"));
-    EXPECT_TRUE(table->item(2, 0)->text().startsWith("X 3:3"));
+    EXPECT_EQ(table->item(2, 0)->background().style(), Qt::NoBrush);
+    EXPECT_TRUE(table->item(3, 0)->text().startsWith("!"));
+    EXPECT_NE(table->item(3, 0)->background().style(), Qt::NoBrush);
+    EXPECT_TRUE(table->item(3, 0)->toolTip().contains("NAM2 fills columns 1-31"));
+    EXPECT_TRUE(table->item(4, 0)->text().startsWith("X 6:3"));
 
     auto* findings = dialog->findChild<QListWidget*>("checkScriptFindings");
     QStringList texts;
     for (int i = 0; i < findings->count(); ++i)
         texts << findings->item(i)->text().section(':', 0, 1);
-    EXPECT_EQ(texts, QStringList({"line 2: warning", "line 3: stop", "line 4: warning"}));
+    EXPECT_EQ(texts,
+              QStringList({"line 1: note", "line 5: warning", "line 6: stop", "line 7: warning"}));
     const QString summary = dialog->findChild<QLabel*>("checkScriptSummary")->text();
     EXPECT_TRUE(summary.contains("2 warning(s); the run stops as unrecognised"))
         << summary.toStdString();
 
-    // An operator can look at a script at any time; rerunning it needs a link as Run Script does.
+    // The guide's picture of the dialog.
     if (const QString dirName = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR");
         !dirName.isEmpty()) {
-        dialog->resize(1100, 420);
+        dialog->resize(1100, 460);
         dialog->grab().save(QDir(dirName).filePath(QStringLiteral("check-script.png")));
     }
 }

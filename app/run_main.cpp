@@ -1,5 +1,6 @@
 // larkspur-run: plays a script against the PBX without a window, for CI and lab racks.
 #include "core/qt_event_pump.h"
+#include "player/check_run.h"
 #include "player/headless_player.h"
 #include "player/player_options.h"
 
@@ -21,8 +22,10 @@ int main(int argc, char** argv) {
         return larkspur::exitcode::usage;
     }
     if (options->help) {
-        std::fputs(qPrintable(larkspur::playerUsage()), stdout);
+        std::fputs(qPrintable(larkspur::playerHelp()), stdout);
         return 0;
     }
+    if (options->check)
+        return larkspur::checkHeadless(*options);
     return larkspur::runHeadless(*options);
 }

@@ -20,6 +20,7 @@ class QSettings;
 namespace larkspur {
 
 class AboutDialog;
+class CheckScriptDialog;
 class CommPortDialog;
 class ConsoleStatusBar;
 class LogView;
@@ -87,6 +88,8 @@ private:
     void showCommPortDialog();
     void showTelnetDialog();
     void showAbout();
+    // File > Check Script...: asks for a script and shows its check, from which it can run.
+    void checkScript();
     void viewLog();
     void openLog();
     void startNewLog();
@@ -109,6 +112,7 @@ private:
     CommPortDialog* m_commPortDialog = nullptr;
     TelnetDialog* m_telnetDialog = nullptr;
     AboutDialog* m_about = nullptr;
+    CheckScriptDialog* m_checkDialog = nullptr;
     // Every byte on the wire and how each exchange fared, beside the traffic log.
     WireTracePanel* m_tracePanel = nullptr;
     RunStatisticsDialog* m_statisticsDialog = nullptr;

@@ -3,12 +3,17 @@
 #include "console/main_window.h"
 
 #include "console/about_dialog.h"
+#include "console/check_script_dialog.h"
 #include "console/comm_port_dialog.h"
 #include "console/log_commands.h"
 #include "console/log_view.h"
 #include "console/status_bar.h"
 #include "console/telnet_dialog.h"
+#include "core/operator_interface.h"
+#include "script/script_check.h"
 #include "script/script_engine.h"
+#include "script/script_file.h"
+#include "script/script_reader.h"
 #include "transactions/session.h"
 #include "transactions/session_buttons.h"
 
@@ -122,6 +127,30 @@ void MainWindow::onMenu(const char* name, const std::function<void()>& operation
                  {"mnuHotel", "mnuVoiceMail", "mnu_HIS", "mnu_Hyatt", "mnuCommport", "mnuTelnet"})
                 m_controls.refresh(ControlBinder::control(QLatin1String(entry)));
         });
+}
+
+void MainWindow::checkScript() {
+    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFileFilter());
+    if (path.isEmpty())
+        return;
+    const ScriptFile file = readScriptFile(path);
+    if (file.status != ScriptFile::Status::Read) {
+        m_session.operatorInterface.notify(
+            QStringLiteral("Cannot read script file %1: %2").arg(path, file.error));
+        return;
+    }
+    if (!m_checkDialog) {
+        m_checkDialog = new CheckScriptDialog(this);
+        connect(m_checkDialog, &CheckScriptDialog::runRequested, this, [this](const QString& p) {
+            m_runner.run([this, p] { m_engine.runScriptFile(p); });
+        });
+    }
+    m_checkDialog->showCheck(path, larkspur::checkScript(readScript(file.bytes)));
+    // It runs as Run Script does, and only when Run Script could.
+    m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
+    m_checkDialog->show();
+    m_checkDialog->raise();
+    m_checkDialog->activateWindow();
 }
 
 void MainWindow::connectLink() {

@@ -44,6 +44,9 @@ void MainWindow::buildMenus() {
     QMenuBar* bar = menuBar();
     QMenu* file = menu("mnuFile", bar);
     bar->addMenu(file);
+    QAction* check = file->addAction(tr("Check Script..."), this, [this] { checkScript(); });
+    check->setObjectName(QStringLiteral("mnuCheckScript"));
+    file->addSeparator();
     menuEntry("mnuExit", file, false);
 
     QMenu* options = menu("mnuOptions", bar);

@@ -1,6 +1,7 @@
 #include "player/headless_player.h"
 
 #include "assembly/assembly.h"
+#include "assembly/dry_run.h"
 #include "core/host_port.h"
 #include "core/operator_interface.h"
 #include "core/output_file.h"
@@ -23,6 +24,7 @@
 #include <QSettings>
 
 #include <cstdio>
+#include <functional>
 #include <sys/stat.h>
 
 namespace larkspur {
@@ -135,7 +137,11 @@ QString outputProblem(const PlayerOptions& o) {
 // One run of the player: read, connect, play, report.
 class HeadlessRun {
 public:
-    explicit HeadlessRun(const PlayerOptions& options) : m_options(options) {}
+    // `beforeConnect` learns the mode the link is tested in, just before it is opened.
+    HeadlessRun(const PlayerOptions& options, Assembly& console, EventPump& pump,
+                HeadlessOperator& op, std::function<void(PmsMode)> beforeConnect = {})
+        : m_options(options), m_operator(op), m_console(console), m_pump(pump),
+          m_beforeConnect(std::move(beforeConnect)) {}
 
     int exec();
 
@@ -147,10 +153,10 @@ private:
     int afterPlaying(ScriptEngine::RunOutcome outcome);
 
     const PlayerOptions& m_options;
-    HeadlessOperator m_operator;
-    // Only the newest trace rows are kept in memory; the file gets every one as it happens.
-    ProgramAssembly m_console{m_operator, 1000};
-    EventPump& m_pump = m_console.pump();
+    HeadlessOperator& m_operator;
+    Assembly& m_console;
+    EventPump& m_pump;
+    std::function<void(PmsMode)> m_beforeConnect;
     Session& m_session = m_console.session;
     ScriptEngine& m_engine = m_console.engine;
     JunitReport m_report;
@@ -222,6 +228,8 @@ int HeadlessRun::play(const ScriptText& script) {
         });
 
     const LinkSettings& s = m_session.link.settings;
+    if (m_beforeConnect)
+        m_beforeConnect(m_session.link.pmsMode);
     const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
     if (m_signals > 0 || connected != Link::ConnectResult::Connected) {
         QString why;
@@ -327,8 +335,22 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) {
 } // namespace
 
 int runHeadless(const PlayerOptions& options) {
-    HeadlessRun run(options);
-    return run.exec();
+    HeadlessOperator op;
+    // Only the newest trace rows are kept in memory; the file gets every one as it happens.
+    constexpr qsizetype traceRows = 1000;
+    if (!options.dryRun) {
+        ProgramAssembly console(op, traceRows);
+        return HeadlessRun(options, console, console.pump(), op).exec();
+    }
+    printError(QStringLiteral("dry run: playing against the built-in simulator in virtual "
+                              "time; no link is opened"));
+    DryRunAssembly console(op, traceRows, options.pbx);
+    // Unless told otherwise, the PBX speaks the mode the console tests the link in.
+    const auto followMode = [&](PmsMode pmsMode) {
+        if (!options.pbxModeGiven)
+            console.setPbxMode(pmsMode);
+    };
+    return HeadlessRun(options, console, console.pump(), op, followMode).exec();
 }
 
 } // namespace larkspur

@@ -8,6 +8,7 @@ struct PlayerOptions;
 namespace exitcode {
 constexpr int ok = 0;
 constexpr int transactionsFailed = 1;
+constexpr int checkWarnings = 1; // --check: the script will not play as written
 constexpr int noLink = 2;
 constexpr int badScript = 3;
 constexpr int linkLost = 4;

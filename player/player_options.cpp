@@ -15,13 +15,64 @@ QString playerUsage() {
         "                    [--dtr] [--rts] [--null-discard] [--mode HOTEL|VMAIL]\n"
         "                    [--protocol HYATT|HIS] [--error-mode] [--continuous]\n"
         "                    [--connect-timeout SECONDS] [--save-log FILE]\n"
-        "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n");
+        "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n"
+        "       larkspur-run --check [--json] SCRIPT\n"
+        "       larkspur-run --dry-run [OPTIONS] SCRIPT [--on-enq ANSWERS] [--on-frame ANSWERS]\n"
+        "                    [--answer-delay SECONDS] [--echo-offer] [--mode HOTEL|VMAIL]\n"
+        "                    [--after MATCH SECONDS TEXT]... [--at SECONDS TEXT]...\n");
 }
+
+QString playerHelp() {
+    return playerUsage() + QStringLiteral(R"(
+Plays SCRIPT against the PBX as the window's Run Script does: the traffic log on standard
+output, notices and the run statistics on standard error.
+
+  --check        read SCRIPT as the runner does and print, without opening any link, each
+                 command it will reach with its fields and columns, then what will not play
+                 as written; exit 0 clean, 1 with warnings, 3 when the run would stop
+  --json         with --check: the same as one JSON object
+  --dry-run      play SCRIPT against the simulator inside this process, in virtual time:
+                 the same run and output as against larkspur-pbxsim, in a fraction of a
+                 second, with no socket or device opened; the simulator's options follow
+                 SCRIPT and set how it answers, as larkspur-pbxsim(1) describes
+
+Exit status: 0 clean, 1 failed transactions, 2 no link, 3 bad script, 4 link lost,
+64 bad arguments, 130 interrupted.
+)");
+}
+
+namespace {
+// Options of the simulator that have no place inside larkspur-run.
+const QStringList outsideDryRun = {"--listen", "--pty", "--trace", "--help", "-h"};
+
+// The simulator options of a dry run; empty with `error` set when they are wrong.
+std::optional<sim::SimOptions> parseDryRunPbx(const QStringList& arguments, bool& modeGiven,
+                                              QString& error) {
+    const sim::ParsedArguments parsed = sim::parseSimArguments(arguments);
+    if (!parsed.options) {
+        error = QStringLiteral("simulator options: ") + parsed.error;
+        return std::nullopt;
+    }
+    for (const QString& option : parsed.named) {
+        if (outsideDryRun.contains(option)) {
+            error = QStringLiteral("%1 has no place in a dry run: its simulator runs inside "
+                                   "larkspur-run")
+                        .arg(option);
+            return std::nullopt;
+        }
+    }
+    modeGiven = parsed.named.contains(QStringLiteral("--mode"));
+    return parsed.options;
+}
+} // namespace
 
 std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QString& error) {
     PlayerOptions o;
+    QStringList named;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& a = arguments[i];
+        if (a.startsWith(u"-") && a.size() > 1)
+            named << a;
         const auto value = [&](QString& out) {
             if (i + 1 >= arguments.size()) {
                 error = QStringLiteral("%1 needs a value").arg(a);
@@ -112,15 +163,42 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
         } else if (a == u"--trace") {
             if (!value(o.trace))
                 return std::nullopt;
+        } else if (a == u"--check") {
+            o.check = true;
+        } else if (a == u"--json") {
+            o.json = true;
+        } else if (a == u"--dry-run") {
+            o.dryRun = true;
         } else if (a.startsWith(u"-") && a.size() > 1) {
             error = QStringLiteral("unknown option %1").arg(a);
             return std::nullopt;
         } else if (o.script.isEmpty()) {
             o.script = a;
+            // The simulator's options follow the script of a dry run.
+            if (o.dryRun) {
+                const auto pbx = parseDryRunPbx(arguments.mid(i + 1), o.pbxModeGiven, error);
+                if (!pbx)
+                    return std::nullopt;
+                o.pbx = *pbx;
+                break;
+            }
         } else {
             error = QStringLiteral("one script only; \"%1\" is one too many").arg(a);
             return std::nullopt;
         }
+    }
+    if (o.check) {
+        for (const QString& option : std::as_const(named)) {
+            if (option != u"--check" && option != u"--json" && option != u"--help" &&
+                option != u"-h") {
+                error =
+                    QStringLiteral("%1 has no place with --check, which opens nothing").arg(option);
+                return std::nullopt;
+            }
+        }
+    } else if (o.json) {
+        error = QStringLiteral("--json goes with --check");
+        return std::nullopt;
     }
     if (o.tcpHost && o.serialPort) {
         error = QStringLiteral("--tcp and --serial exclude each other");

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/pms_mode.h"
+#include "sim/sim_options.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -28,11 +30,21 @@ struct PlayerOptions {
     QString trace;
     QString script;
     bool help = false;
+    // --check: read the script as the runner does and report, open nothing; --json: as JSON.
+    bool check = false;
+    bool json = false;
+    // --dry-run: play against the simulator inside the process, in virtual time, answering as
+    // the simulator options after the script tell it.
+    bool dryRun = false;
+    sim::SimOptions pbx;
+    bool pbxModeGiven = false;
 };
 
 // Parses the arguments after the program name. On an error returns nothing and says why.
 std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QString& error);
 
 QString playerUsage();
+// The synopsis and what the script options do, for --help.
+QString playerHelp();
 
 } // namespace larkspur

@@ -12,14 +12,6 @@
 namespace larkspur {
 
 namespace {
-// 0 means no limit; a digit that is not one counts as 5, and is recorded so.
-int waitSeconds(QString& digit) {
-    if (digit.size() == 1 && digit.at(0).isDigit() && digit.at(0).unicode() < 128)
-        return digit.at(0).digitValue();
-    digit = QStringLiteral("5");
-    return 5;
-}
-
 bool matches(const Session& session, const QString& item) {
     const Link& link = session.link;
     if (link.lastControl() == item)
@@ -32,6 +24,13 @@ bool matches(const Session& session, const QString& item) {
     return link.lastControl() == start_of_text() + expected->expected + room + end_of_text();
 }
 } // namespace
+
+int waitSeconds(QString& digit) {
+    if (digit.size() == 1 && digit.at(0).isDigit() && digit.at(0).unicode() < 128)
+        return digit.at(0).digitValue();
+    digit = QStringLiteral("5");
+    return 5;
+}
 
 bool isExpectationItem(const QString& item) {
     return findExpectationItem(item) != nullptr;

@@ -12,6 +12,10 @@ bool isExpectationItem(const QString& item);
 // What a recorded wait line says after "WAIT " / "NTFY " for `item`, without the digit.
 QString recordedExpectation(const QString& item, const QString& room, bool withNotice);
 
+// The time of a wait in seconds for its digit: 0 means no limit; anything but a digit counts as
+// 5, and `digit` becomes "5", as a met wait records it.
+int waitSeconds(QString& digit);
+
 enum class WaitKind { Plain, WithNotice };
 
 // Holds the console until the PBX sends `item` or the wait's time (the digit; "0" is no limit,

@@ -10,7 +10,6 @@
 namespace larkspur {
 
 namespace {
-const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 
 // The recording buttons act only on a live link.
 bool linkIsUp(Session& s) {
@@ -66,7 +65,7 @@ void ScriptEngine::cmd_end_script() {
         return;
     }
     // A cancelled dialog or a failed write keeps the recording, so nothing recorded is lost.
-    const QString path = s.operatorInterface.chooseFileToSave(scriptFilter);
+    const QString path = s.operatorInterface.chooseFileToSave(scriptFileFilter());
     if (path.isEmpty())
         return;
     QSaveFile file(path);

@@ -10,12 +10,15 @@
 namespace larkspur {
 
 namespace {
-const QString scriptFilter = QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 
 // Buttons that stay usable while a script plays are the four the operator presses first.
 const QList<Control> pressedFirst = {Control::cmd_chk_in, Control::cmd_chk_out, Control::cmd_name_1,
                                      Control::Command6};
 } // namespace
+
+QString scriptFileFilter() {
+    return QStringLiteral("Script files (*.txt *.scr);;All files (*)");
+}
 
 ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
 
@@ -24,7 +27,7 @@ void ScriptEngine::Xtest() {
         m_session.errors.resetErrors();
         return;
     }
-    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFilter);
+    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFileFilter());
     if (path.isEmpty())
         return;
     runScriptFile(path);

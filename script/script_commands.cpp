@@ -24,16 +24,18 @@ QList<ScriptCommand> buildTable() {
         QList<FieldColumn> copies = {{1, mailboxWidth, Field::txt_ls_pilot}};
         if (message.extra)
             copies.append({mailboxWidth + 1, message.extraWidth, *message.extra});
-        table.append({message.code, copies, press(*message.button)});
+        table.append({message.code, copies, press(*message.button), *message.button, message.name});
     }
     for (const HotelMessage& message : hotelMessages()) {
         for (const QString& word : message.scriptWords) {
             if (message.code == u"RST") {
                 const QString level = word.right(1);
                 table.append({word, message.columns,
-                              [level](Session& s) { s.send_station_restriction(level); }});
+                              [level](Session& s) { s.send_station_restriction(level); },
+                              message.button, message.name + QStringLiteral(" level ") + level});
             } else {
-                table.append({word, message.columns, press(message.button)});
+                table.append(
+                    {word, message.columns, press(message.button), message.button, message.name});
             }
         }
     }

@@ -17,6 +17,9 @@ struct ScriptCommand {
     QString word;
     QList<FieldColumn> copies;
     std::function<void(Session&)> press;
+    // The control it presses and the catalogue's name for what that sends, for reports.
+    Control button;
+    QString name;
 };
 
 // The command for `word`, or nullptr. Hotel words and voice-mail codes share one table; a code

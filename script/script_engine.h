@@ -7,6 +7,10 @@
 namespace larkspur {
 
 class ScriptText;
+struct ScriptStep;
+
+// The filter of the dialogs that choose a script file.
+QString scriptFileFilter();
 class Session;
 
 // Recording, replay and expected-message waits, driving the session exactly as the operator
@@ -70,8 +74,8 @@ Q_SIGNALS:
 private:
     RunOutcome interpret(const ScriptText& script);
     RunOutcome stopOnUnrecognized(const QString& command, int fileLine, const QString& why);
-    void playLinkedSuite(const QByteArray& text, qsizetype start, const QString& word,
-                         qsizetype& pos);
+    // Fills the step's fields and presses its button or runs its wait.
+    void play(const ScriptStep& step);
     void restoreButtonsAfterRun();
     void startListedWait(const QString& item, bool plain);
 

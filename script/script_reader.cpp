@@ -5,6 +5,7 @@
 #include <QByteArrayView>
 
 #include <algorithm>
+#include <optional>
 
 namespace larkspur {
 
@@ -38,8 +39,16 @@ bool onlyBlanks(QByteArrayView line) {
     return std::all_of(line.begin(), line.end(), [](char c) { return c == ' '; });
 }
 
-bool kept(QByteArrayView line) {
-    return !line.startsWith(';') && !onlyBlanks(line) && !line.contains("VMAIL");
+// Why `line` is left out of the text, or nothing when it is kept.
+std::optional<ScriptText::LeftOut::Reason> leftOutBecause(QByteArrayView line) {
+    using Reason = ScriptText::LeftOut::Reason;
+    if (line.startsWith(';'))
+        return Reason::Comment;
+    if (onlyBlanks(line))
+        return Reason::Blank;
+    if (line.contains("VMAIL"))
+        return Reason::HoldsVmail;
+    return std::nullopt;
 }
 } // namespace
 
@@ -56,8 +65,16 @@ ScriptText readScript(const QByteArray& file) {
             script.protocolType = line.contains("HYATT") ? Protocol::Hyatt : Protocol::His;
         }
         // The line read last is never kept.
-        if (lines.atEnd() || !kept(line))
+        auto reason = leftOutBecause(line);
+        if (!reason && lines.atEnd())
+            reason = ScriptText::LeftOut::Reason::LastLine;
+        if (reason) {
+            const bool keepText = *reason == ScriptText::LeftOut::Reason::HoldsVmail ||
+                                  *reason == ScriptText::LeftOut::Reason::LastLine;
+            script.leftOut.append(
+                {fileLine, *reason, keepText ? line.toByteArray() : QByteArray()});
             continue;
+        }
         const bool follows = script.m_resumes.isEmpty()
                                  ? fileLine == keptCount + 1
                                  : fileLine - script.m_resumes.last().fileLine ==

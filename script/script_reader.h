@@ -16,6 +16,15 @@ public:
     Protocol protocolType = Protocol::Hyatt;
     QByteArray text;
 
+    // A line of the file that is not in the text, and why.
+    struct LeftOut {
+        enum class Reason { Comment, Blank, HoldsVmail, LastLine };
+        int fileLine;
+        Reason reason;
+        QByteArray line; // kept for a line holding "VMAIL" and for the last line only
+    };
+    QList<LeftOut> leftOut;
+
     // The file's line number of the kept line holding the 1-based `position` of the text; 0 for
     // the ETX at its end.
     int fileLineAt(qsizetype position) const;

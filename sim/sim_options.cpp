@@ -66,6 +66,7 @@ bool readEndpoint(const QString& text, SimOptions& options, QString* error) {
 
 ParsedArguments parseSimArguments(const QStringList& arguments) {
     SimOptions options;
+    QStringList named;
     bool listenGiven = false;
     qsizetype i = 0;
     QString error;
@@ -103,6 +104,8 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
 
     for (; i < arguments.size() && error.isEmpty(); ++i) {
         const QString& arg = arguments.at(i);
+        if (arg.startsWith(u'-'))
+            named << arg;
         if (arg == u"--help" || arg == u"-h") {
             options.help = true;
         } else if (arg == u"--listen") {
@@ -117,8 +120,8 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
                 options.ptyLink = arguments.at(++i);
         } else if (arg == u"--mode") {
             const auto mode = value(arg);
-            if (const std::optional<Mode> named = mode ? pmsModeNamed(*mode) : std::nullopt)
-                options.mode = *named;
+            if (const std::optional<Mode> chosen = mode ? pmsModeNamed(*mode) : std::nullopt)
+                options.mode = *chosen;
             else if (mode)
                 error = QStringLiteral("--mode: \"%1\" is not HOTEL or VMAIL").arg(*mode);
         } else if (arg == u"--on-enq" || arg == u"--on-frame") {
@@ -160,7 +163,7 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
     if (!error.isEmpty())
         return {std::nullopt, error};
     options.listen = listenGiven || !options.pty;
-    return {options, {}};
+    return {options, {}, named};
 }
 
 QString simUsage() {

@@ -57,6 +57,8 @@ struct SimOptions {
 struct ParsedArguments {
     std::optional<SimOptions> options; // empty when the arguments are wrong
     QString error;
+    // The options given, in order, for a program that takes only some of them.
+    QStringList named = {};
 };
 
 // Reads the command line (without the program name).

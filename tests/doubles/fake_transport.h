@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/transport.h"
+#include "link/in_process_transport.h"
 
 #include <QList>
 #include <functional>
@@ -9,25 +9,20 @@ namespace larkspur {
 
 class VirtualEventPump;
 
-// A transport in virtual time: records every write and delivers scripted reads through the pump.
-class FakeTransport : public Transport {
+// An in-process transport the test drives: records every write and every open, connect and
+// option call, refuses or delays when told, and loses its link on demand.
+class FakeTransport : public InProcessTransport {
     Q_OBJECT
 public:
     FakeTransport(VirtualEventPump& pump, QString name);
 
-    bool isOpen() const override { return m_open; }
     void write(const QByteArray& bytes) override;
-    QByteArray readAll() override;
     void close() override;
     void connectToHost(const QString& host, quint16 port) override;
     QString applySerialOptions(const SerialOptions& options) override;
     QString openPort(const QString& portName) override;
-    QString describe() const override { return m_name; }
 
-    // Hands `bytes` to the console as one read, now.
-    void receive(const QByteArray& bytes);
-    // Delivers `bytes` as one read, `delayMs` from now.
-    void deliver(const QByteArray& bytes, qint64 delayMs = 0);
+    using InProcessTransport::receive;
     // The peer goes away `delayMs` from now, as a PBX that hangs up.
     void loseLink(const QString& reason, qint64 delayMs = 0);
 
@@ -35,7 +30,7 @@ public:
     QList<QByteArray> written;
     // Every open, connect and option call, for the tests to check (e.g. "open /dev/ttyS0").
     QStringList calls;
-    // Called with each write (the simulated PBX hears the console here).
+    // Called with each write, after the far end heard it.
     std::function<void(const QByteArray&)> onWrite;
     // How the fake behaves when opened: TCP accepts after `acceptAfterMs` (refuses when < 0);
     // serial refuses with `refusal` when it is not empty.
@@ -44,10 +39,6 @@ public:
     SerialOptions options;
 
 private:
-    VirtualEventPump& m_pump;
-    QString m_name;
-    QByteArray m_pending;
-    bool m_open = false;
     bool m_connecting = false;
     int m_generation = 0;
 };

@@ -1,41 +1,23 @@
 #pragma once
 
-#include "doubles/fake_transport_peer.h"
-#include "sim/sim_options.h"
-#include "sim/tracer.h"
-
-#include <memory>
+#include "assembly/in_process_pbx.h"
 
 namespace larkspur {
 
-class FakeTransport;
-class VirtualEventPump;
-
-namespace sim {
-class PbxSession;
-}
-
-// The simulator's PBX behind a FakeTransport, in the test's virtual time. Like a PBX on a quick
-// line it answers every ENQ and frame with ACK 20 ms after it; a test changes `options`, which
-// the session reads as it goes, to have it refuse, keep silent or answer in a sequence.
-class SimulatedPbx {
+// The simulator's PBX that a dry run plays against, as the tests use it: like a PBX on a quick
+// line it answers every ENQ and frame with ACK 20 ms after it. A test changes `options` to have
+// it refuse, keep silent or answer in a sequence.
+class SimulatedPbx : public InProcessPbx {
 public:
-    // `pump` and `transport` must outlive the PBX.
-    SimulatedPbx(VirtualEventPump& pump, FakeTransport& transport);
-    ~SimulatedPbx();
-
-    sim::SimOptions options;
-
-    // The console changed between HOTEL and VMAIL, and the PBX reads frames its way from now on.
-    // As after a new connect, what was still to be sent is dropped and the lists of first
-    // answers start over.
-    void setMode(sim::Mode mode);
+    SimulatedPbx(EventPump& pump, InProcessTransport& transport)
+        : InProcessPbx(pump, transport, quickLine()) {}
 
 private:
-    VirtualEventPump& m_pump;
-    FakeTransportPeer m_peer;
-    sim::Tracer m_tracer; // without sinks: the tests look at the console's side
-    std::unique_ptr<sim::PbxSession> m_session;
+    static sim::SimOptions quickLine() {
+        sim::SimOptions options;
+        options.answerDelaySeconds = 0.020;
+        return options;
+    }
 };
 
 } // namespace larkspur

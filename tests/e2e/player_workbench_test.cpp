@@ -1,0 +1,155 @@
+// larkspur-run --check and --dry-run: a script checked without a link, and played against the
+// simulator inside the process as it plays against the real one.
+#include "common/player_fixture.h"
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+
+using namespace larkspur::test;
+
+namespace {
+
+using Player = PlayerFixture;
+
+const QString hotelExample = QStringLiteral(LARKSPUR_SOURCE_DIR "/examples/hotel.txt");
+// The simulator options the hotel example names in its first comment lines.
+const QStringList hotelPbx = {"--after", "CHK1", "1.5", "STS2   101",
+                              "--after", "WKP",  "1.5", "MR 0001  101",
+                              "--after", "CHK0", "1.5", "<STX>RQINZ     <ETX>"};
+
+TEST_F(Player, CheckExitsByWhatItFinds) {
+    struct Case {
+        const char* name;
+        QByteArray script;
+        int status;
+        const char* mustPrint;
+    } cases[] = {
+        {"clean", "CHK1   101\r\n;\r\n", 0, "clean: every command plays as written"},
+        {"a file ending in a command", "CHK1   101\r\nCHK0   101\r\n", 1,
+         "line 2: warning: the file's last line is never played: \"CHK0   101\""},
+        {"a misaligned NAM line", "NAM1 Smith                101\r\nCHK1   101\r\n;\r\n", 3,
+         "line 1: warning: NAM1 fills columns 1-31, but the line is 29 characters long: the next "
+         "command is read from line 2, column 3"},
+        {"an unknown expectation", "WAIT xyz 5\r\n;\r\n", 3,
+         "line 1: stop: \"xyz \" is no command the runner knows"},
+        {"a voice-mail line without ~",
+         "VMAILHIS\r\n\x02"
+         "24001  \x03"
+         "4\r\n;\r\n",
+         3, "line 2: stop: no \"~\" after its frame"},
+    };
+    for (const Case& c : cases) {
+        out.clear();
+        err.clear();
+        start({"--check", script(c.script)});
+        EXPECT_EQ(finish(), c.status) << c.name << "\n" << out.toStdString();
+        EXPECT_TRUE(out.contains(c.mustPrint)) << c.name << "\n" << out.toStdString();
+        EXPECT_TRUE(err.isEmpty()) << c.name << "\n" << err.toStdString();
+    }
+    out.clear();
+    start({"--check", home.filePath("missing.txt")});
+    EXPECT_EQ(finish(), 3);
+    EXPECT_TRUE(err.contains("cannot read")) << err.toStdString();
+}
+
+TEST_F(Player, CheckSpeaksJson) {
+    start({"--check", "--json", script("CHK1   101\r\nWAIT ATL   101 5\r\n;\r\nCHK0   101\r\n")});
+    EXPECT_EQ(finish(), 3);
+    QJsonParseError error{};
+    const QJsonObject report = QJsonDocument::fromJson(out, &error).object();
+    ASSERT_EQ(error.error, QJsonParseError::NoError) << out.toStdString();
+    EXPECT_EQ(report["verdict"].toString(), "stops");
+    EXPECT_EQ(report["mode"].toString(), "HOTEL");
+    const QJsonArray commands = report["commands"].toArray();
+    ASSERT_EQ(commands.size(), 3);
+    const QJsonObject room = commands[0]["fields"].toArray()[0].toObject();
+    EXPECT_EQ(room["label"].toString(), "room");
+    EXPECT_EQ(room["control"].toString(), "txt_suite_1");
+    EXPECT_EQ(room["firstColumn"].toInt(), 6);
+    EXPECT_EQ(room["lastColumn"].toInt(), 10);
+    EXPECT_EQ(room["text"].toString(), "  101");
+    QStringList kinds;
+    for (const QJsonValue& finding : report["findings"].toArray())
+        kinds << finding["kind"].toString();
+    EXPECT_EQ(kinds, QStringList({"passed-over", "unrecognized", "comment", "last-line"}));
+}
+
+TEST_F(Player, WorkbenchOptionsRefuseWhatDoesNotApply) {
+    const QString s = script("CHK1   101\r\n;\r\n");
+    const QList<QStringList> cases = {
+        {"--json", s},
+        {"--check", "--tcp", "127.0.0.1:1", s},
+        {"--check", "--dry-run", s},
+        {"--dry-run", s, "--listen", "127.0.0.1:1"},
+        {"--dry-run", s, "--pty"},
+        {"--dry-run", s, "--on-enq", "maybe"},
+    };
+    for (const QStringList& arguments : cases) {
+        err.clear();
+        start(arguments);
+        EXPECT_EQ(finish(), 64) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(err.contains("usage: larkspur-run")) << err.toStdString();
+    }
+}
+
+TEST_F(Player, DryRunPrintsTheTrafficOfARealRun) {
+    PbxSimProcess sim(hotelPbx);
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    start({"--tcp", tcp(sim), hotelExample});
+    ASSERT_EQ(finish(), 0) << err.toStdString();
+    const QStringList real = outLines();
+    EXPECT_FALSE(err.contains("dry run"));
+
+    out.clear();
+    err.clear();
+    // The address names the link the console believes it has; nothing is connected to it.
+    start(QStringList{"--dry-run", "--tcp", "127.0.0.1:9", hotelExample} + hotelPbx);
+    ASSERT_EQ(finish(), 0) << err.toStdString();
+    EXPECT_EQ(outLines(), real);
+    EXPECT_TRUE(errLines().first().startsWith("larkspur-run: dry run")) << err.toStdString();
+    EXPECT_TRUE(errLines().contains("larkspur-run: Script file completed"));
+}
+
+TEST_F(Player, DryRunRehearsesFailures) {
+    struct Case {
+        QStringList pbx;
+        int status;
+        const char* mustReport;
+    } cases[] = {
+        {{"--on-frame", "nak"}, 1, "larkspur-run: Script file ended!  There were 2 Errors"},
+        {{"--on-enq", "silent"}, 2, "No response from PBX"},
+        // Five refusals use up the first frame's tries; the second frame goes through.
+        {{"--on-frame", "nak,nak,nak,nak,nak,ack"}, 1, "There were 1 Errors"},
+    };
+    for (const Case& c : cases) {
+        out.clear();
+        err.clear();
+        start(QStringList{"--dry-run", "--tcp", "127.0.0.1:9",
+                          script("CHK1   101\r\nCHK0   101\r\n;\r\n")} +
+              c.pbx);
+        EXPECT_EQ(finish(), c.status) << c.pbx.join(' ').toStdString() << err.toStdString();
+        EXPECT_TRUE(out.contains(c.mustReport) || err.contains(c.mustReport))
+            << c.pbx.join(' ').toStdString() << "\n"
+            << out.toStdString() << err.toStdString();
+    }
+}
+
+TEST_F(Player, DryRunOfAThousandCommandsTakesWellUnderASecond) {
+    // 1,000 commands: 1,000 s of pacing and 2,000 answers of 0.2 s each, in virtual time.
+    QByteArray commands;
+    for (int i = 0; i < 1000; ++i)
+        commands += (i % 2 ? "CHK0 " : "CHK1 ") +
+                    QByteArray::number(100 + i % 400).rightJustified(5) + "\r\n";
+    QElapsedTimer clock;
+    clock.start();
+    start(
+        {"--dry-run", "--tcp", "127.0.0.1:9", script(commands + ";\r\n"), "--answer-delay", "0.2"});
+    EXPECT_EQ(finish(), 0) << err.toStdString();
+    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_EQ(out.count("Received--> ACK"), 2001); // the connection test's and two a command
+}
+
+} // namespace

@@ -8,11 +8,15 @@ void TrafficLines::insertAtEnd(QStringView text, bool replaceLastCharacter) {
             m_lineEnds.removeLast();
         m_text.chop(1);
     }
+    // Grown in place (resize reallocates, where appending another array copies the whole text
+    // whenever it outgrows its room: a long stall at a million lines).
     const qsizetype start = m_text.size();
-    m_text += text.toLatin1();
-    for (qsizetype i = start; i < m_text.size(); ++i) {
-        if (m_text.at(i) == '\r')
-            m_lineEnds.append(i);
+    m_text.resize(start + text.size());
+    char* out = m_text.data() + start;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        out[i] = char(text[i].unicode());
+        if (out[i] == '\r')
+            m_lineEnds.append(start + i);
     }
 }
 

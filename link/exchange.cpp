@@ -5,6 +5,9 @@
 #include "protocol/frame.h"
 #include "records/traffic_log.h"
 
+#include <cmath>
+#include <limits>
+
 namespace larkspur {
 
 namespace {
@@ -12,6 +15,18 @@ constexpr float ackTimeoutSeconds = 5.0f;
 constexpr float ackPollStepSeconds = 0.1f;
 constexpr int pollAttempts = 5;
 constexpr int enqAttempts = 5;
+
+// The step of the wait: 0.1 s, but the last one ends as soon as the clock, rounded to single
+// precision as the deadline was, reads past the deadline, not up to a step later.
+float pollStep(float deadline, double now) {
+    // Just past halfway to the next representable value, a reading rounds above the deadline.
+    const double next = double(std::nextafter(deadline, std::numeric_limits<float>::infinity()));
+    const double passed = double(deadline) + (next - double(deadline)) * 0.5 + 1e-6;
+    // Whole milliseconds, rounded up, as the pause counts them.
+    const double untilPassed = std::ceil((passed - now) * 1000.0) / 1000.0;
+    return untilPassed > 0 && untilPassed < double(ackPollStepSeconds) ? float(untilPassed)
+                                                                       : ackPollStepSeconds;
+}
 
 QString enqText() {
     return QString(QChar(ctl::ENQ));
@@ -48,11 +63,12 @@ void Link::wait_for_ack(bool show) {
                 m_ackFailed = true;
                 return;
             }
-            if (deadline < float(m_pump.secondsSinceMidnight())) {
+            const double now = m_pump.secondsSinceMidnight();
+            if (deadline < float(now)) {
                 timedOut = true;
                 break;
             }
-            pause_seconds(m_pump, ackPollStepSeconds);
+            pause_seconds(m_pump, pollStep(deadline, now));
         }
     }
 

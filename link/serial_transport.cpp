@@ -1,38 +1,32 @@
 #include "link/serial_transport.h"
 
-#include "link/serial_line.h"
+#include "link/tty_line.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/ioctl.h>
 
 namespace larkspur {
 
 namespace {
-// QSerialPort has no event for a carrier change; a light poll stands in for it.
+// A tty has no event for a carrier change; a light poll stands in for it.
 constexpr int carrierPollMs = 200;
+
+QString errorText(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
 } // namespace
 
-SerialTransport::SerialTransport(QObject* parent) : Transport(parent) {
-    connect(&m_port, &QSerialPort::readyRead, this, &Transport::dataReceived);
-    connect(&m_port, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError e) {
-        // A vanished device keeps reporting ReadError at full speed while the port stays open.
-        if (e == QSerialPort::ReadError || e == QSerialPort::ResourceError) {
-            const QString reason = m_port.errorString();
-            close();
-            Q_EMIT linkLost(reason);
-        }
-    });
+SerialTransport::SerialTransport(QObject* parent) : FdTransport(parent) {
     m_carrierPoll.setInterval(carrierPollMs);
     connect(&m_carrierPoll, &QTimer::timeout, this, &SerialTransport::watchCarrier);
 }
 
-bool SerialTransport::isOpen() const {
-    return m_port.isOpen();
-}
-
-void SerialTransport::write(const QByteArray& bytes) {
-    m_port.write(bytes);
-}
-
 QByteArray SerialTransport::readAll() {
-    QByteArray bytes = m_port.readAll();
+    QByteArray bytes = FdTransport::readAll();
     if (m_options.nullDiscard)
         bytes.replace('\0', QByteArray());
     return bytes;
@@ -40,8 +34,7 @@ QByteArray SerialTransport::readAll() {
 
 void SerialTransport::close() {
     m_carrierPoll.stop();
-    if (m_port.isOpen())
-        m_port.close();
+    FdTransport::close();
 }
 
 QString SerialTransport::applySerialOptions(const SerialOptions& options) {
@@ -50,74 +43,66 @@ QString SerialTransport::applySerialOptions(const SerialOptions& options) {
     if (!parseSerialLine(options.lineSettings, line, error))
         return error;
     m_options = options;
-    m_port.setBaudRate(line.baudRate);
-    m_port.setParity(line.parity);
-    m_port.setDataBits(QSerialPort::DataBits(line.dataBits));
-    m_port.setStopBits(line.stopBits);
-    return m_port.isOpen() ? applyToOpenPort() : QString();
+    m_line = line;
+    return isOpen() ? applyToOpenPort() : QString();
 }
 
 QString SerialTransport::openPort(const QString& portName) {
-    m_port.setPortName(portName);
-    if (!m_port.open(QIODevice::ReadWrite))
-        return m_port.errorString();
+    close();
+    m_portName = portName;
+    const int fd =
+        ::open(QFile::encodeName(portName).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return errorText(errno);
+    // Nobody else opens the port while the console holds it.
+    ::ioctl(fd, TIOCEXCL);
+    attach(fd, Kind::Tty);
     const QString error = applyToOpenPort();
     if (!error.isEmpty()) {
-        m_port.close();
+        close();
         return error;
     }
-    m_carrier = m_port.pinoutSignals().testFlag(QSerialPort::DataCarrierDetectSignal);
-    if (m_port.error() == QSerialPort::NoError)
+    const std::optional<bool> carrier = carrierDetect(fd);
+    m_carrier = carrier.value_or(false);
+    if (carrier)
         m_carrierPoll.start();
-    m_port.clearError();
     return QString();
 }
 
 QString SerialTransport::applyToOpenPort() {
-    // The device may refuse what the closed port accepted; the settings are set again so a
-    // refusal shows here and names the setting.
-    if (!m_port.setBaudRate(m_port.baudRate()))
-        return QStringLiteral("speed %1 refused: %2")
-            .arg(m_port.baudRate())
-            .arg(m_port.errorString());
-    if (!m_port.setParity(m_port.parity()))
-        return QStringLiteral("parity refused: %1").arg(m_port.errorString());
-    if (!m_port.setDataBits(m_port.dataBits()))
-        return QStringLiteral("%1 data bits refused: %2")
-            .arg(int(m_port.dataBits()))
-            .arg(m_port.errorString());
-    if (!m_port.setStopBits(m_port.stopBits()))
-        return QStringLiteral("stop bits refused: %1").arg(m_port.errorString());
-    m_port.setFlowControl(QSerialPort::NoFlowControl);
-
+    const QString refused = applyTtyLine(descriptor(), m_line);
+    if (!refused.isEmpty())
+        return refused;
     // Lines a pty or a bare adapter cannot drive do not stop the link.
     QStringList undriven;
-    if (!m_port.setDataTerminalReady(m_options.dtr) && m_options.dtr)
+    if (!setModemLine(descriptor(), TIOCM_DTR, m_options.dtr) && m_options.dtr)
         undriven << QStringLiteral("DTR");
-    if (!m_port.setRequestToSend(m_options.rts) && m_options.rts)
+    if (!setModemLine(descriptor(), TIOCM_RTS, m_options.rts) && m_options.rts)
         undriven << QStringLiteral("RTS");
-    m_port.clearError();
     if (!undriven.isEmpty())
         Q_EMIT warning(QStringLiteral("%1 cannot be set on %2")
-                           .arg(undriven.join(QStringLiteral(" and ")), m_port.portName()));
+                           .arg(undriven.join(QStringLiteral(" and ")), m_portName));
     return QString();
 }
 
 void SerialTransport::watchCarrier() {
-    const bool carrier = m_port.pinoutSignals().testFlag(QSerialPort::DataCarrierDetectSignal);
-    if (m_port.error() != QSerialPort::NoError) {
-        m_port.clearError();
+    const std::optional<bool> carrier = carrierDetect(descriptor());
+    if (!carrier) {
         m_carrierPoll.stop();
         return;
     }
-    if (carrier != m_carrier) {
-        m_carrier = carrier;
+    if (*carrier != m_carrier) {
+        m_carrier = *carrier;
         Q_EMIT carrierDetectChanged();
     }
 }
 
 QString SerialTransport::describe() const {
-    return QStringLiteral("serial %1").arg(m_port.portName());
+    return QStringLiteral("serial %1").arg(m_portName);
+}
+
+QString SerialTransport::lossReason(int error) const {
+    return error == 0 ? QStringLiteral("the device hung up") : errorText(error);
 }
 
 } // namespace larkspur

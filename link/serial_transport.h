@@ -1,31 +1,34 @@
 #pragma once
 
-#include "link/transport.h"
+#include "link/fd_transport.h"
+#include "link/serial_line.h"
 
-#include <QSerialPort>
 #include <QTimer>
 
 namespace larkspur {
 
-class SerialTransport : public Transport {
+// The PBX on a serial port (or a pty standing in for one), its line set through termios.
+class SerialTransport : public FdTransport {
     Q_OBJECT
 public:
     explicit SerialTransport(QObject* parent = nullptr);
 
-    bool isOpen() const override;
-    void write(const QByteArray& bytes) override;
     QByteArray readAll() override;
     void close() override;
     QString applySerialOptions(const SerialOptions& options) override;
     QString openPort(const QString& portName) override;
     QString describe() const override;
 
+protected:
+    QString lossReason(int error) const override;
+
 private:
     QString applyToOpenPort();
     void watchCarrier();
 
-    QSerialPort m_port;
     SerialOptions m_options;
+    SerialLine m_line;
+    QString m_portName;
     QTimer m_carrierPoll;
     bool m_carrier = false;
 };

@@ -1,48 +1,50 @@
 #include "link/tcp_transport.h"
 
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 namespace larkspur {
 
-TcpTransport::TcpTransport(QObject* parent) : Transport(parent) {
-    connect(&m_socket, &QTcpSocket::readyRead, this, &Transport::dataReceived);
-    connect(&m_socket, &QTcpSocket::connected, this, [this] {
-        // Every message is a handful of bytes that must leave at once.
-        m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    });
-    connect(&m_socket, &QTcpSocket::disconnected, this,
-            [this] { Q_EMIT linkLost(QStringLiteral("closed by the PBX")); });
+TcpTransport::TcpTransport(QObject* parent) : FdTransport(parent) {
+    // Direct, so the descriptor changes hands before the socket has read a byte from it.
+    connect(&m_connector, &QTcpSocket::connected, this, &TcpTransport::takeOver);
 }
 
-bool TcpTransport::isOpen() const {
-    return m_socket.state() == QAbstractSocket::ConnectedState;
-}
-
-void TcpTransport::write(const QByteArray& bytes) {
-    m_socket.write(bytes);
-    // Leave now rather than on the next pass of the event loop.
-    m_socket.flush();
-}
-
-QByteArray TcpTransport::readAll() {
-    return m_socket.readAll();
+void TcpTransport::takeOver() {
+    const int fd = ::fcntl(int(m_connector.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
+    // Closing the socket's own descriptor leaves the connection open on the duplicate.
+    m_connector.abort();
+    if (fd < 0)
+        return; // as if refused: the connect loop asks again
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
+    // Every message is a handful of bytes that must leave at once.
+    const int one = 1;
+    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+    attach(fd, Kind::Socket);
 }
 
 void TcpTransport::close() {
-    // A close asked for by the console is not a loss of the link.
-    const QSignalBlocker blocker(this);
-    m_socket.abort();
+    m_connector.abort();
+    FdTransport::close();
 }
 
 void TcpTransport::connectToHost(const QString& host, quint16 port) {
     // Asked again each second by the connect loop: only a refused attempt is repeated.
-    if (m_socket.state() != QAbstractSocket::UnconnectedState)
+    if (isOpen() || m_connector.state() != QAbstractSocket::UnconnectedState)
         return;
     m_host = host;
     m_port = port;
-    m_socket.connectToHost(host, port);
+    m_connector.connectToHost(host, port);
 }
 
 QString TcpTransport::describe() const {
     return QStringLiteral("TCP %1:%2").arg(m_host).arg(m_port);
+}
+
+QString TcpTransport::lossReason(int) const {
+    return QStringLiteral("closed by the PBX");
 }
 
 } // namespace larkspur

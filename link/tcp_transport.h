@@ -1,25 +1,29 @@
 #pragma once
 
-#include "link/transport.h"
+#include "link/fd_transport.h"
 
 #include <QTcpSocket>
 
 namespace larkspur {
 
-class TcpTransport : public Transport {
+// The PBX over TCP. A QTcpSocket only connects (it resolves the host and reports a refusal);
+// once connected, its descriptor is taken over and the bytes go through it directly.
+class TcpTransport : public FdTransport {
     Q_OBJECT
 public:
     explicit TcpTransport(QObject* parent = nullptr);
 
-    bool isOpen() const override;
-    void write(const QByteArray& bytes) override;
-    QByteArray readAll() override;
     void close() override;
     void connectToHost(const QString& host, quint16 port) override;
     QString describe() const override;
 
+protected:
+    QString lossReason(int error) const override;
+
 private:
-    QTcpSocket m_socket;
+    void takeOver();
+
+    QTcpSocket m_connector;
     QString m_host;
     quint16 m_port = 0;
 };

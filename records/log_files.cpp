@@ -12,7 +12,8 @@ namespace larkspur {
 bool saveLogFile(const QString& path, const LogViewList& list) {
     return writeWholeFile(path, [&list](QIODevice& file) {
         for (qsizetype i = 0; i < list.size(); ++i) {
-            if (file.write(list.entry(i).toLatin1()) < 0 || file.write("\r\n", 2) < 0)
+            const QLatin1StringView entry = list.entry(i);
+            if (file.write(entry.data(), entry.size()) < 0 || file.write("\r\n", 2) < 0)
                 return false;
         }
         return true;

@@ -45,9 +45,19 @@ void TrafficLog::ShowDebug(QString& text) {
         m_display->insertAtEnd(cleaned, replacing);
     m_logCaret += cleaned.size() - (replacing ? 1 : 0);
 
-    m_viewerList.append(QStringView(cleaned).first(qMax<qsizetype>(0, cleaned.size() - 2)));
-    m_logText += cleaned;
+    const qsizetype at = m_viewerList.appendLogged(cleaned);
+    if (!m_logSpans.isEmpty() && m_logSpans.last().second == at)
+        m_logSpans.last().second += cleaned.size();
+    else
+        m_logSpans.append({at, at + cleaned.size()});
     text = std::move(cleaned);
+}
+
+QString TrafficLog::logText() const {
+    QString text;
+    for (const auto& [begin, end] : m_logSpans)
+        text += m_viewerList.arena(begin, end);
+    return text;
 }
 
 void TrafficLog::logLine(const QString& line) {

@@ -2,7 +2,10 @@
 
 #include "records/log_view_list.h"
 
+#include <QList>
 #include <QString>
+
+#include <utility>
 
 namespace larkspur {
 
@@ -16,7 +19,8 @@ public:
 };
 
 // Every line the console logs passes through ShowDebug, which cleans it and hands it to the
-// display, the log viewer list and the in-memory log text.
+// display, the log viewer list and the in-memory log text. The list and the text share their
+// bytes.
 class TrafficLog {
 public:
     // Cleans `text` in place (backspaces, unprintable characters, line ends) and logs it.
@@ -24,7 +28,8 @@ public:
     // The usual call: one line, CR LF appended.
     void logLine(const QString& line);
 
-    const QString& logText() const { return m_logText; }
+    // Every cleaned text ever logged, in order.
+    QString logText() const;
     qsizetype logCaret() const { return m_logCaret; }
     const LogViewList& viewerList() const { return m_viewerList; }
     LogViewList& viewerList() { return m_viewerList; }
@@ -36,7 +41,9 @@ public:
 private:
     TrafficDisplay* m_display = nullptr;
     LogViewList m_viewerList;
-    QString m_logText;
+    // Where the log text lies in the viewer list's arena: one stretch, and one more after each
+    // log file read into the list.
+    QList<std::pair<qsizetype, qsizetype>> m_logSpans;
     // Length of the visible log, so a leading backspace erases its last character.
     qsizetype m_logCaret = 0;
 };

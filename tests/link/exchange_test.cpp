@@ -114,6 +114,34 @@ TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
     EXPECT_GE(pump.elapsedMs(), 60'000);
 }
 
+TEST(ExchangeTimeOut, EndsAtTheFirstClockReadingPastTheDeadline) {
+    // The deadline is kept in single precision, whose step grows with the time of day; the
+    // time-out lands within one step of 5 s, never before.
+    const struct {
+        QTime start;
+        qint64 latestMs;
+    } cases[] = {
+        {QTime(1, 0), 5001},          // steps of 0.24 ms
+        {QTime(10, 0), 5004},         // 3.9 ms
+        {QTime(10, 0, 0, 998), 5004}, // a deadline that rounds down
+        {QTime(20, 0, 0, 3), 5008},   // 7.8 ms
+    };
+    for (const auto& c : cases) {
+        VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), c.start));
+        TrafficLog log;
+        RecordingOperator op;
+        FakeTransport tcp(pump, "tcp"), serial(pump, "serial");
+        Link link(pump, log, op, tcp, serial);
+        tcp.connectToHost("h", 1);
+        pump.processEvents();
+        const qint64 start = pump.elapsedMs();
+        link.wait_for_ack(false);
+        EXPECT_TRUE(link.ackFailed());
+        EXPECT_GE(pump.elapsedMs() - start, 5000) << c.start.toString().toStdString();
+        EXPECT_LE(pump.elapsedMs() - start, c.latestMs) << c.start.toString().toStdString();
+    }
+}
+
 TEST_F(Exchange, ConnectionTestAgainstARefusingPbxSendsTenEnqs) {
     tcpPbx.options.onEnq = Answer::Nak;
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NoResponse);

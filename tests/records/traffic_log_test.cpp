@@ -110,4 +110,19 @@ TEST(ShowDebug, LeadingBackspaceOnEmptyDisplayErasesNothing) {
     EXPECT_EQ(log.logText(), QString("AB"));
 }
 
+TEST(ShowDebug, ViewerListAndLogTextShareBytesButNotTheirFate) {
+    TrafficLog log;
+    log.logLine("one");
+    log.viewerList().append(u"from a file");
+    log.logLine("two");
+    EXPECT_EQ(log.logText(), QString("one\r\ntwo\r\n")) << "a loaded line is no logged text";
+    log.viewerList().clear();
+    log.logLine("three");
+    EXPECT_EQ(log.logText(), QString("one\r\ntwo\r\nthree\r\n")) << "clearing keeps the text";
+    ASSERT_EQ(log.viewerList().size(), 1);
+    EXPECT_EQ(log.viewerList().entry(0), u"three");
+    log.viewerList().append(u"caf\u00e9 \u20ac");
+    EXPECT_EQ(log.viewerList().entry(1), u"caf\u00e9 ?") << "Latin-1, one byte each";
+}
+
 } // namespace

@@ -4,12 +4,11 @@
 #include "bench_common.h"
 #include "quiet_operator.h"
 
+#include "assembly/assembly.h"
 #include "console/main_window.h"
 #include "core/qt_event_pump.h"
 #include "core/virtual_event_pump.h"
 #include "doubles/fake_transport.h"
-#include "script/script_engine.h"
-#include "transactions/session.h"
 
 #include <QApplication>
 #include <QSettings>
@@ -34,9 +33,9 @@ int main(int argc, char** argv) {
     bench::QuietOperator op;
     larkspur::FakeTransport tcp(pump, QStringLiteral("tcp"));
     larkspur::FakeTransport serial(pump, QStringLiteral("serial"));
-    larkspur::Session session(pump, op, tcp, serial);
-    larkspur::ScriptEngine engine(session);
-    larkspur::MainWindow window(session, engine, settings);
+    larkspur::Assembly console(pump, op, tcp, serial, 100'000);
+    larkspur::Session& session = console.session;
+    larkspur::MainWindow window(console, settings);
     window.show();
 
     long logged = 0;

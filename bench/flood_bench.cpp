@@ -2,17 +2,11 @@
 // window, offscreen, after N lines already there; the longest the event loop went without
 // turning is what an operator would feel as a stall.
 #include "bench_common.h"
-#include "quiet_operator.h"
+#include "bench_window.h"
 
-#include "assembly/assembly.h"
-#include "console/main_window.h"
 #include "core/qt_event_pump.h"
-#include "core/virtual_event_pump.h"
-#include "doubles/fake_transport.h"
 
 #include <QApplication>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTimer>
 
 namespace {
@@ -27,16 +21,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const long before = argc > 1 ? std::atol(argv[1]) : 0;
 
-    QTemporaryDir dir;
-    QSettings settings(dir.filePath(QStringLiteral("s.ini")), QSettings::IniFormat);
-    larkspur::VirtualEventPump pump;
-    bench::QuietOperator op;
-    larkspur::FakeTransport tcp(pump, QStringLiteral("tcp"));
-    larkspur::FakeTransport serial(pump, QStringLiteral("serial"));
-    larkspur::Assembly console(pump, op, tcp, serial, 100'000);
-    larkspur::Session& session = console.session;
-    larkspur::MainWindow window(console, settings);
-    window.show();
+    bench::Window shown;
+    larkspur::Session& session = shown.session;
+    shown.window.show();
 
     long logged = 0;
     const auto logOne = [&] {

@@ -1,17 +1,9 @@
 // The traffic log at scale: N lines through ShowDebug into the main window's display and the
 // log viewer list, offscreen. Run once per size (a fresh process each) so memory is its own.
 #include "bench_common.h"
-#include "quiet_operator.h"
-
-#include "assembly/assembly.h"
-#include "console/main_window.h"
-#include "core/virtual_event_pump.h"
-#include "doubles/fake_transport.h"
-#include "transactions/session.h"
+#include "bench_window.h"
 
 #include <QApplication>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -34,16 +26,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const long lines = argc > 1 ? std::atol(argv[1]) : 10'000;
 
-    QTemporaryDir dir;
-    QSettings settings(dir.filePath(QStringLiteral("s.ini")), QSettings::IniFormat);
-    larkspur::VirtualEventPump pump;
-    bench::QuietOperator op;
-    larkspur::FakeTransport tcp(pump, QStringLiteral("tcp"));
-    larkspur::FakeTransport serial(pump, QStringLiteral("serial"));
-    larkspur::Assembly console(pump, op, tcp, serial, 100'000);
-    larkspur::Session& session = console.session;
-    larkspur::MainWindow window(console, settings);
-    window.show();
+    bench::Window shown;
+    larkspur::Session& session = shown.session;
+    shown.window.show();
     QApplication::processEvents();
 
     const double rss0 = rssMb();

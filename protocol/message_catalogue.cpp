@@ -179,7 +179,6 @@ const QList<HotelMessage>& hotelMessages() {
 }
 
 const QList<VmailMessage>& vmailMessages() {
-    const QString mailboxMissing = QStringLiteral("Please enter a Mailbox Number");
     static const QList<VmailMessage> messages = {
         {.code = "1",
          .name = "voice mail 1 resynchronize",
@@ -205,7 +204,7 @@ const QList<VmailMessage>& vmailMessages() {
          .extra = F::txt_suite_2,
          .extraWidth = 6,
          .extraLabel = " TO: ",
-         .extraMissing = mailboxMissing},
+         .extraMissing = mailboxMissingNotice()},
         {.code = "8",
          .name = "voice mail 8 FCOS",
          .button = Control::cmd_department_3,
@@ -248,6 +247,10 @@ const QList<VmailMessage>& vmailMessages() {
          .extraMissing = "Please enter a Number for new ID"},
     };
     return messages;
+}
+
+QString mailboxMissingNotice() {
+    return QStringLiteral("Please enter a Mailbox Number");
 }
 
 const HotelMessage& hotelMessage(const QString& code) {

@@ -59,6 +59,9 @@ const HotelMessage& hotelMessage(const QString& code);
 // The entry for `code`, or nullptr.
 const VmailMessage* findVmailMessage(const QString& code);
 
+// The notice when the mailbox field is empty (also when the destination mailbox is).
+QString mailboxMissingNotice();
+
 // The width of the mailbox after a voice-mail code.
 constexpr int mailboxWidth = 6;
 

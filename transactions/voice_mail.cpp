@@ -8,8 +8,6 @@ namespace larkspur {
 
 namespace {
 
-const QString mailboxMissing = QStringLiteral("Please enter a Mailbox Number");
-
 // Cuts the text box itself, so the operator sees what is sent; returns what is left.
 QString keptText(Fields& fields, Field field, qsizetype kept) {
     if (fields.text(field).size() > kept)
@@ -33,7 +31,7 @@ void send_vmail_operation(Session& session, VmailOperation operation) {
         return;
     const QString mailbox = keptText(session.fields, Field::txt_ls_pilot, mailboxWidth);
     if (mailbox.isEmpty()) {
-        session.operatorInterface.notify(mailboxMissing);
+        session.operatorInterface.notify(mailboxMissingNotice());
         return;
     }
     QString extra;

@@ -9,6 +9,19 @@ namespace {
 
 class Exchange : public LinkFixture {};
 
+// An open TCP link whose clock starts at `start` on a fixed day, with no PBX behind it.
+struct LinkStartingAt {
+    explicit LinkStartingAt(QTime start) : pump(QDateTime(QDate(2026, 1, 5), start)) {
+        tcp.connectToHost("h", 1);
+        pump.processEvents();
+    }
+    VirtualEventPump pump;
+    TrafficLog log;
+    RecordingOperator op;
+    FakeTransport tcp{pump, "tcp"}, serial{pump, "serial"};
+    Link link{pump, log, op, tcp, serial};
+};
+
 TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
     tcpPbx.options.onEnq = Answer::Nak;
     link.send_enq();
@@ -101,14 +114,10 @@ TEST_F(Exchange, PollGivesUpAfterFiveSeconds) {
 }
 
 TEST(ExchangeAtMidnight, WaitStartingInTheLastFiveSecondsEndsOnlyOnAnAnswer) {
-    VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 57)));
-    TrafficLog log;
-    RecordingOperator op;
-    FakeTransport tcp(pump, "tcp"), serial(pump, "serial");
-    Link link(pump, log, op, tcp, serial);
-    tcp.connectToHost("h", 1);
-    pump.processEvents();
-    tcp.deliver(ACK, 60'000);
+    LinkStartingAt rig(QTime(23, 59, 57));
+    VirtualEventPump& pump = rig.pump;
+    Link& link = rig.link;
+    rig.tcp.deliver(ACK, 60'000);
     link.wait_for_ack(true);
     EXPECT_FALSE(link.ackFailed());
     EXPECT_GE(pump.elapsedMs(), 60'000);
@@ -127,13 +136,9 @@ TEST(ExchangeTimeOut, EndsAtTheFirstClockReadingPastTheDeadline) {
         {QTime(20, 0, 0, 3), 5008},   // 7.8 ms
     };
     for (const auto& c : cases) {
-        VirtualEventPump pump(QDateTime(QDate(2026, 1, 5), c.start));
-        TrafficLog log;
-        RecordingOperator op;
-        FakeTransport tcp(pump, "tcp"), serial(pump, "serial");
-        Link link(pump, log, op, tcp, serial);
-        tcp.connectToHost("h", 1);
-        pump.processEvents();
+        LinkStartingAt rig(c.start);
+        VirtualEventPump& pump = rig.pump;
+        Link& link = rig.link;
         const qint64 start = pump.elapsedMs();
         link.wait_for_ack(false);
         EXPECT_TRUE(link.ackFailed());

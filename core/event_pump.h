@@ -14,8 +14,10 @@ class EventPump {
 public:
     virtual ~EventPump() = default;
 
-    // The clock the waits read: seconds since midnight, wrapping to 0 at midnight.
-    virtual double secondsSinceMidnight() const = 0;
+    // The clock every wait and pause reads: seconds from an arbitrary start that never go back
+    // nor wrap, so a wait keeps its length across midnight, a clock adjustment and a week of
+    // running. Deadlines on it are compared in double precision.
+    virtual double monotonicSeconds() const = 0;
 
     // The date and time stamped on error records.
     virtual QDateTime currentDateTime() const = 0;

@@ -2,22 +2,21 @@
 
 #include "core/event_pump.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace larkspur {
 
 void pause_seconds(EventPump& pump, float seconds) {
     int remainingMs = int(std::lround(double(seconds) * 1000.0));
-    double start = pump.secondsSinceMidnight();
+    const double start = pump.monotonicSeconds();
     for (;;) {
         if (pump.stopRequested() || !pump.waitForEvent(remainingMs))
             return;
         pump.processEvents();
-        const double now = pump.secondsSinceMidnight();
-        // Past midnight the clock restarts at 0; the one-second allowance is kept as it always was.
-        if (now - start + 1.0 < 0.0)
-            start = 0.0;
-        remainingMs = int(std::lround(std::max(0.0, (double(seconds) - (now - start)) * 1000.0)));
+        // The clock never goes back, so midnight needs no correction of the start here.
+        const double passed = pump.monotonicSeconds() - start;
+        remainingMs = int(std::lround(std::max(0.0, (double(seconds) - passed) * 1000.0)));
     }
 }
 

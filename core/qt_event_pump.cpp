@@ -10,8 +10,6 @@
 namespace larkspur {
 
 namespace {
-constexpr qint64 msPerDay = 24LL * 60 * 60 * 1000;
-
 QAbstractEventDispatcher* dispatcher() {
     return QAbstractEventDispatcher::instance(QThread::currentThread());
 }
@@ -25,11 +23,10 @@ void useLeanEventDispatcher() {
 QtEventPump::QtEventPump() {
     m_startDateTime = QDateTime::currentDateTime();
     m_elapsed.start();
-    m_midnightOffsetMs = m_startDateTime.time().msecsSinceStartOfDay();
 }
 
-double QtEventPump::secondsSinceMidnight() const {
-    return double((m_midnightOffsetMs + m_elapsed.elapsed()) % msPerDay) / 1000.0;
+double QtEventPump::monotonicSeconds() const {
+    return double(m_elapsed.nsecsElapsed()) / 1e9;
 }
 
 QDateTime QtEventPump::currentDateTime() const {

@@ -15,17 +15,16 @@ class QtEventPump : public EventPump {
 public:
     QtEventPump();
 
-    double secondsSinceMidnight() const override;
+    double monotonicSeconds() const override;
     QDateTime currentDateTime() const override;
     void processEvents() override;
     bool waitForEvent(int milliseconds) override;
     void schedule(qint64 delayMs, QObject* context, std::function<void()> task) override;
 
 private:
-    // A monotonic clock anchored to the wall clock once, so a clock adjustment never stretches
-    // or cuts a wait short.
+    // The time stamps follow a monotonic clock anchored to the wall clock once, so a clock
+    // adjustment never reorders them.
     QElapsedTimer m_elapsed;
-    qint64 m_midnightOffsetMs;
     QDateTime m_startDateTime;
 };
 

@@ -4,15 +4,10 @@
 
 namespace larkspur {
 
-namespace {
-constexpr qint64 msPerDay = 24LL * 60 * 60 * 1000;
-}
-
 VirtualEventPump::VirtualEventPump(const QDateTime& start) : m_start(start) {}
 
-double VirtualEventPump::secondsSinceMidnight() const {
-    const qint64 ms = (m_start.time().msecsSinceStartOfDay() + m_nowMs) % msPerDay;
-    return double(ms) / 1000.0;
+double VirtualEventPump::monotonicSeconds() const {
+    return double(m_nowMs) / 1000.0;
 }
 
 QDateTime VirtualEventPump::currentDateTime() const {

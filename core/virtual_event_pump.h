@@ -16,7 +16,7 @@ public:
     // The clock starts at `start` (virtual time never touches the real clock).
     explicit VirtualEventPump(const QDateTime& start = QDateTime(QDate(2026, 1, 5), QTime(10, 0)));
 
-    double secondsSinceMidnight() const override;
+    double monotonicSeconds() const override;
     QDateTime currentDateTime() const override;
     void processEvents() override;
     bool waitForEvent(int milliseconds) override;

@@ -6,7 +6,6 @@
 #include "records/traffic_log.h"
 
 #include <cmath>
-#include <limits>
 
 namespace larkspur {
 
@@ -16,14 +15,11 @@ constexpr float ackPollStepSeconds = 0.1f;
 constexpr int pollAttempts = 5;
 constexpr int enqAttempts = 5;
 
-// The step of the wait: 0.1 s, but the last one ends as soon as the clock, rounded to single
-// precision as the deadline was, reads past the deadline, not up to a step later.
-float pollStep(float deadline, double now) {
-    // Just past halfway to the next representable value, a reading rounds above the deadline.
-    const double next = double(std::nextafter(deadline, std::numeric_limits<float>::infinity()));
-    const double passed = double(deadline) + (next - double(deadline)) * 0.5 + 1e-6;
+// The step of the wait: 0.1 s, but the last one ends just past the deadline, not up to a step
+// later.
+float pollStep(double deadline, double now) {
     // Whole milliseconds, rounded up, as the pause counts them.
-    const double untilPassed = std::ceil((passed - now) * 1000.0) / 1000.0;
+    const double untilPassed = std::ceil((deadline - now) * 1000.0 + 1e-6) / 1000.0;
     return untilPassed > 0 && untilPassed < double(ackPollStepSeconds) ? float(untilPassed)
                                                                        : ackPollStepSeconds;
 }
@@ -52,9 +48,9 @@ void Link::wait_for_ack(bool show) {
     bool timedOut = false;
     {
         const WaitGuard busy(*this);
-        // Compared in single precision, and not corrected for midnight: a wait that starts in
-        // the last 5 s of the day ends only on an answer.
-        const float deadline = float(m_pump.secondsSinceMidnight() + ackTimeoutSeconds);
+        // On the monotonic clock, in double precision: five seconds on the eighth day of a run
+        // as on the first, across midnight too.
+        const double deadline = m_pump.monotonicSeconds() + double(ackTimeoutSeconds);
         for (;;) {
             m_pump.processEvents();
             if (m_ackReceived)
@@ -63,8 +59,8 @@ void Link::wait_for_ack(bool show) {
                 m_ackFailed = true;
                 return;
             }
-            const double now = m_pump.secondsSinceMidnight();
-            if (deadline < float(now)) {
+            const double now = m_pump.monotonicSeconds();
+            if (deadline < now) {
                 timedOut = true;
                 break;
             }

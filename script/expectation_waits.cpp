@@ -49,7 +49,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
     const Link::WaitGuard busy(link);
     link.clearAckReceived();
     const int seconds = waitSeconds(digit);
-    const double deadline = pump.secondsSinceMidnight() + seconds;
+    const double deadline = pump.monotonicSeconds() + seconds;
     const QDateTime started = pump.currentDateTime();
     const bool plain = kind == WaitKind::Plain;
     session.log.logLine(
@@ -77,7 +77,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
             }
             link.clearAckReceived();
         }
-        const double now = pump.secondsSinceMidnight();
+        const double now = pump.monotonicSeconds();
         if (seconds != 0 && now > deadline) {
             end = End::TimedOut;
             break;

@@ -28,19 +28,18 @@ TEST(QtEventPump, WaitReturnsOnEventBeforeTheDeadline) {
     QtEventPump pump;
     bool fired = false;
     QTimer::singleShot(0, [&] { fired = true; });
-    const double before = pump.secondsSinceMidnight();
+    const double before = pump.monotonicSeconds();
     EXPECT_TRUE(pump.waitForEvent(60000));
     pump.processEvents();
     EXPECT_TRUE(fired);
-    const double waited = pump.secondsSinceMidnight() - before;
-    EXPECT_LT(waited < 0 ? waited + 86400 : waited, 30.0);
+    EXPECT_LT(pump.monotonicSeconds() - before, 30.0);
 }
 
-TEST(QtEventPump, ClockFollowsTheWallClock) {
+TEST(QtEventPump, ClockNeverGoesBackAndStampsFollowTheWallClock) {
     QtEventPump pump;
-    const double s = pump.secondsSinceMidnight();
-    EXPECT_GE(s, 0.0);
-    EXPECT_LT(s, 86400.0);
+    const double first = pump.monotonicSeconds();
+    EXPECT_GE(first, 0.0);
+    EXPECT_GE(pump.monotonicSeconds(), first);
     EXPECT_LE(qAbs(pump.currentDateTime().secsTo(QDateTime::currentDateTime())), 2);
 }
 

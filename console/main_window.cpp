@@ -5,6 +5,7 @@
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
 #include "core/event_pump.h"
+#include "core/operator_interface.h"
 #include "core/pause.h"
 #include "link/settings_store.h"
 #include "transactions/session.h"
@@ -119,7 +120,9 @@ QAction* MainWindow::menuEntry(const char* name, QMenu* menu, bool checkable) {
 }
 
 void MainWindow::Form_Load() {
-    loadLinkSettings(m_settings, m_session.link);
+    const QString settingsProblem = loadLinkSettings(m_settings, m_session.link);
+    if (!settingsProblem.isEmpty())
+        m_status->setWarning(settingsProblem);
     m_session.applyModeAndLinkChoice();
     m_session.disable_transaction_controls();
     m_status->refresh();
@@ -147,7 +150,9 @@ void MainWindow::Form_Unload() {
     m_session.pump.clearStop();
     m_session.cmd_disconnect();
     pause_seconds(m_session.pump, 1.0f);
-    saveLinkSettings(m_settings, m_session.link);
+    const QString notSaved = saveLinkSettings(m_settings, m_session.link);
+    if (!notSaved.isEmpty())
+        m_session.operatorInterface.notify(notSaved);
 }
 
 void MainWindow::whenAllReturned() {

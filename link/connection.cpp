@@ -16,16 +16,38 @@ constexpr qint16 connectEnqAttempts = 10;
 Link::Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
            Transport& serial)
     : m_pump(pump), m_log(log), m_operator(op), m_tcp(tcp), m_serial(serial) {
-    connect(&m_tcp, &Transport::dataReceived, this, &Link::onTcpData);
-    connect(&m_serial, &Transport::dataReceived, this, &Link::onSerialData);
+    listen(m_tcp, m_tcpReads);
+    listen(m_serial, m_serialReads);
+    connect(&m_tcpReads, &ReceiveAssembly::message, this, &Link::onTcpData);
+    connect(&m_serialReads, &ReceiveAssembly::message, this, &Link::onSerialData);
     connect(&m_serial, &Transport::carrierDetectChanged, this, &Link::onSerialCarrierDetect);
-    for (Transport* t : {&m_tcp, &m_serial}) {
-        connect(t, &Transport::linkLost, this, [this](const QString& reason) {
-            m_lost = true;
-            Q_EMIT linkLost(reason);
-        });
-        connect(t, &Transport::warning, this, &Link::linkWarning);
-    }
+}
+
+void Link::listen(Transport& transport, ReceiveAssembly& assembly) {
+    connect(&transport, &Transport::dataReceived, this, [this, &transport, &assembly] {
+        assembly.setCheckCharacter(pmsMode != PmsMode::Hotel);
+        assembly.take(transport.readAll());
+    });
+    connect(&transport, &Transport::linkLost, this, [this, &assembly](const QString& reason) {
+        // A frame cut off by the loss is still what the PBX sent.
+        assembly.flush();
+        m_lost = true;
+        Q_EMIT linkLost(reason);
+    });
+    connect(&transport, &Transport::warning, this, &Link::linkWarning);
+}
+
+int frameGapMs(const LinkSettings& settings) {
+    if (settings.frameGapMs > 0)
+        return settings.frameGapMs;
+    SerialLine line;
+    QString error;
+    if (settings.useTcp ||
+        !parseSerialLine(settings.speed + QLatin1Char(',') + settings.parity + QLatin1Char(',') +
+                             settings.dataBits + QLatin1Char(',') + settings.stopBits,
+                         line, error))
+        return defaultFrameGapMs(0, 0);
+    return defaultFrameGapMs(line.baudRate, bitsPerCharacter(line));
 }
 
 bool Link::isOpen() const {
@@ -46,12 +68,12 @@ bool Link::openTcp(double connectLimitSeconds) {
     // No limit in the window: the loop waits for the PBX until Disconnect is pressed. A PBX
     // that refused is asked again each second, so starting it later still connects.
     m_connectAborted = false;
-    const QDateTime started = m_pump.currentDateTime();
+    const double started = m_pump.monotonicSeconds();
     while (!m_tcp.isOpen()) {
         m_pump.processEvents();
         if (m_tcp.isOpen())
             break;
-        const double waited = double(started.msecsTo(m_pump.currentDateTime())) / 1000.0;
+        const double waited = m_pump.monotonicSeconds() - started;
         if (m_connectAborted || m_pump.stopRequested() ||
             (connectLimitSeconds > 0 && waited >= connectLimitSeconds)) {
             m_tcp.close();
@@ -108,6 +130,10 @@ bool Link::testLink() {
 
 Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
     m_lost = false;
+    for (ReceiveAssembly* reads : {&m_tcpReads, &m_serialReads}) {
+        reads->clear();
+        reads->setFrameGapMs(frameGapMs(settings));
+    }
     const bool opened = settings.useTcp ? openTcp(connectLimitSeconds) : openSerial();
     if (!opened)
         return ConnectResult::NotOpened;
@@ -129,6 +155,8 @@ void Link::cmd_disconnect() {
         m_tcp.close();
     else if (m_serial.isOpen())
         m_serial.close();
+    m_tcpReads.clear();
+    m_serialReads.clear();
     m_log.logLine(QStringLiteral("Disconnected..."));
     Q_EMIT disconnected();
 }

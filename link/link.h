@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/pms_mode.h"
+#include "link/receive_assembly.h"
 #include "link/transport.h"
 
 #include <QObject>
@@ -26,7 +27,13 @@ struct LinkSettings {
     bool dtrEnabled = false;
     bool rtsEnabled = false;
     bool nullDiscard = false;
+    // How long the line must be silent before a frame whose end never came is taken as it
+    // stands; 0: the longer of 100 ms and 20 character times at the line's speed.
+    int frameGapMs = 0;
 };
+
+// The frame gap `settings` call for on the link they choose.
+int frameGapMs(const LinkSettings& settings);
 
 // The PBX link: the two transports, the ENQ/ACK exchange and the receivers. The receivers
 // record what the PBX answered; the waits judge it. The flags keep the names the whole console
@@ -108,10 +115,10 @@ public:
     void cmd_grs();
     void cmd_end();
 
-    // The receive handlers, one per transport.
-    void onSerialData();
+    // The receive handlers, one per transport; each takes one read as one message.
+    void onSerialData(const QByteArray& bytes);
     void onSerialCarrierDetect();
-    void onTcpData();
+    void onTcpData(const QByteArray& bytes);
 
 Q_SIGNALS:
     // The connection test passed: the controls come alive and recording stops.
@@ -120,7 +127,7 @@ Q_SIGNALS:
     void recordingStopped();
     // Disconnect pressed: controls go dead and a running script stops.
     void disconnected();
-    // Every transport write and read as it crossed the wire, for the wire trace.
+    // Every transport write, and every read as the receiver took it, for the wire trace.
     void bytesSent(const QByteArray& bytes);
     void bytesReceived(const QByteArray& bytes);
     // The transport went away; every wait ends and the controls go to the disconnected state.
@@ -131,6 +138,7 @@ private:
     enum class Receiver { Serial, Tcp };
     void receive(QString text, Receiver receiver);
     void logVmailStatus(const QString& text, Receiver receiver);
+    void listen(Transport& transport, ReceiveAssembly& assembly);
     bool openTcp(double connectLimitSeconds);
     bool openSerial();
     bool testLink();
@@ -140,6 +148,8 @@ private:
     OperatorInterface& m_operator;
     Transport& m_tcp;
     Transport& m_serial;
+    ReceiveAssembly m_tcpReads{m_pump};
+    ReceiveAssembly m_serialReads{m_pump};
     bool m_waitingForAck = false;
     bool m_ackReceived = false;
     QString m_lastControl;

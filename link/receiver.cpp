@@ -1,6 +1,7 @@
-// The two receive handlers. Each wake-up of a transport is one message: it is logged, named in
-// lastControl for whatever wait runs, and a few PBX messages are acknowledged at once. The
-// serial and TCP handlers differ on purpose in the details noted below.
+// The two receive handlers. Each read is one message (the receive assembly has joined the pieces
+// of a frame): it is logged, named in lastControl for whatever wait runs, and a few PBX messages
+// are acknowledged at once. The serial and TCP handlers differ on purpose in the details noted
+// below.
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "records/traffic_log.h"
@@ -40,16 +41,14 @@ void Link::onSerialCarrierDetect() {
     m_lastControl = QStringLiteral("Comm Event Fired ");
 }
 
-void Link::onSerialData() {
+void Link::onSerialData(const QByteArray& bytes) {
     m_ackReceived = true;
-    const QByteArray bytes = m_serial.readAll();
     Q_EMIT bytesReceived(bytes);
     receive(QString::fromLatin1(bytes), Receiver::Serial);
 }
 
-void Link::onTcpData() {
+void Link::onTcpData(const QByteArray& bytes) {
     m_ackReceived = true;
-    const QByteArray bytes = m_tcp.readAll();
     Q_EMIT bytesReceived(bytes);
     const QString text = trimBlanks(QString::fromLatin1(bytes));
     if (text == QString::fromLatin1("\xFF\xFB\x01")) {

@@ -61,6 +61,13 @@ bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
     return true;
 }
 
+double bitsPerCharacter(const SerialLine& line) {
+    const double stop = line.stopBits == QSerialPort::OneStop          ? 1.0
+                        : line.stopBits == QSerialPort::OneAndHalfStop ? 1.5
+                                                                       : 2.0;
+    return 1.0 + line.dataBits + (line.parity == QSerialPort::NoParity ? 0.0 : 1.0) + stop;
+}
+
 QString serialDeviceName(const QString& commPortNumber) {
     const QString text = commPortNumber.trimmed();
     bool numeric = false;

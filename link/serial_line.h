@@ -17,6 +17,9 @@ struct SerialLine {
 // On a bad text returns false and says which part is wrong in `error`.
 bool parseSerialLine(const QString& text, SerialLine& line, QString& error);
 
+// The bits one character takes on the line: start, data, parity and stop bits.
+double bitsPerCharacter(const SerialLine& line);
+
 // A port number N is the platform's Nth port; any other text is a device name or path.
 QString serialDeviceName(const QString& commPortNumber);
 

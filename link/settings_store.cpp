@@ -8,9 +8,27 @@ namespace larkspur {
 
 namespace {
 const QString group = QStringLiteral("Startup");
-}
+const QString frameGapKey = QStringLiteral("Link/FrameGapMs");
+constexpr int maxFrameGapMs = 60'000;
 
-void loadLinkSettings(QSettings& store, Link& link) {
+// The frame gap stored, 0 when there is none; an unusable one is named in `problem`.
+int storedFrameGap(const QSettings& store, QString& problem) {
+    if (!store.contains(frameGapKey))
+        return 0;
+    const QString text = store.value(frameGapKey).toString();
+    bool ok = false;
+    const int ms = text.trimmed().toInt(&ok);
+    if (ok && ms >= 1 && ms <= maxFrameGapMs)
+        return ms;
+    problem = QStringLiteral("setting %1 \"%2\" is not a number of milliseconds from 1 to %3; "
+                             "the frame gap follows the line speed")
+                  .arg(frameGapKey, text)
+                  .arg(maxFrameGapMs);
+    return 0;
+}
+} // namespace
+
+QString loadLinkSettings(QSettings& store, Link& link) {
     const LinkSettings defaults;
     LinkSettings& s = link.settings;
     store.beginGroup(group);
@@ -32,9 +50,12 @@ void loadLinkSettings(QSettings& store, Link& link) {
     link.pmsMode =
         text("PMSMode", QStringLiteral("HOTEL")) == u"HOTEL" ? PmsMode::Hotel : PmsMode::Vmail;
     store.endGroup();
+    QString problem;
+    s.frameGapMs = storedFrameGap(store, problem);
+    return problem;
 }
 
-void saveLinkSettings(QSettings& store, const Link& link) {
+QString saveLinkSettings(QSettings& store, const Link& link) {
     const LinkSettings& s = link.settings;
     store.beginGroup(group);
     store.setValue(QStringLiteral("IP_Address"), s.ipAddress);
@@ -51,6 +72,18 @@ void saveLinkSettings(QSettings& store, const Link& link) {
                    s.useTcp ? QStringLiteral("Telnet") : QStringLiteral("CommPort"));
     store.endGroup();
     store.sync();
+    switch (store.status()) {
+    case QSettings::NoError:
+        return QString();
+    case QSettings::AccessError:
+        return QStringLiteral("The settings could not be saved to %1: it may not be written.")
+            .arg(store.fileName());
+    case QSettings::FormatError:
+        break;
+    }
+    return QStringLiteral("The settings could not be saved to %1: its contents are not a "
+                          "settings file.")
+        .arg(store.fileName());
 }
 
 } // namespace larkspur

@@ -86,6 +86,8 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
         s.dataBits = parts[2];
         s.stopBits = parts[3];
     }
+    if (o.frameGapMs)
+        s.frameGapMs = *o.frameGapMs;
     s.dtrEnabled = o.dtr;
     s.rtsEnabled = o.rts;
     s.nullDiscard = o.nullDiscard;
@@ -199,7 +201,9 @@ int HeadlessRun::exec() {
 int HeadlessRun::play(const ScriptText& script) {
     m_session.log.setDisplay(&m_display);
     QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
-    loadLinkSettings(store, m_session.link);
+    const QString settingsProblem = loadLinkSettings(store, m_session.link);
+    if (!settingsProblem.isEmpty())
+        printError(settingsProblem);
     applyOptions(m_options, m_session, script);
     m_engine.Continuous = m_options.continuous;
     QObject::connect(&m_session.link, &Link::linkLost,

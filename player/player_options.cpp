@@ -14,11 +14,12 @@ QString playerUsage() {
         "usage: larkspur-run [--tcp HOST:PORT | --serial PORT] [--line SPEED,PARITY,DATA,STOP]\n"
         "                    [--dtr] [--rts] [--null-discard] [--mode HOTEL|VMAIL]\n"
         "                    [--protocol HYATT|HIS] [--error-mode] [--continuous]\n"
-        "                    [--connect-timeout SECONDS] [--save-log FILE]\n"
+        "                    [--connect-timeout SECONDS] [--frame-gap MS] [--save-log FILE]\n"
         "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n"
         "       larkspur-run --check [--json] SCRIPT\n"
         "       larkspur-run --dry-run [OPTIONS] SCRIPT [--on-enq ANSWERS] [--on-frame ANSWERS]\n"
         "                    [--answer-delay SECONDS] [--echo-offer] [--mode HOTEL|VMAIL]\n"
+        "                    [--line-speed BAUD] [--split BYTES] [--split-gap SECONDS]\n"
         "                    [--after MATCH SECONDS TEXT]... [--at SECONDS TEXT]...\n");
 }
 
@@ -27,6 +28,9 @@ QString playerHelp() {
 Plays SCRIPT against the PBX as the window's Run Script does: the traffic log on standard
 output, notices and the run statistics on standard error.
 
+  --frame-gap MS how long the line must be silent before a frame whose end never came is
+                 taken as it stands (default: the longer of 100 ms and 20 character times
+                 at the line's speed; the window's setting Link/FrameGapMs when it is set)
   --check        read SCRIPT as the runner does and print, without opening any link, each
                  command it will reach with its fields and columns, then what will not play
                  as written; exit 0 clean, 1 with warnings, 3 when the run would stop
@@ -151,6 +155,18 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
                             .arg(v);
                 return std::nullopt;
             }
+        } else if (a == u"--frame-gap") {
+            if (!value(v))
+                return std::nullopt;
+            bool ok = false;
+            const int ms = v.toInt(&ok);
+            if (!ok || ms < 1 || ms > 60'000) {
+                error = QStringLiteral("--frame-gap wants a number of milliseconds from 1 to "
+                                       "60000, not \"%1\"")
+                            .arg(v);
+                return std::nullopt;
+            }
+            o.frameGapMs = ms;
         } else if (a == u"--save-log") {
             if (!value(o.saveLog))
                 return std::nullopt;

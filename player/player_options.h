@@ -24,6 +24,7 @@ struct PlayerOptions {
     bool errorMode = false;
     bool continuous = false;
     double connectTimeoutSeconds = 30;
+    std::optional<int> frameGapMs; // --frame-gap
     QString saveLog;
     QString errorReport;
     QString junit;

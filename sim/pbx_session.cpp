@@ -13,8 +13,10 @@ namespace larkspur::sim {
 PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, EventPump& pump,
                        QObject* parent)
     : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer), m_pump(pump),
-      m_reader(options.mode == Mode::Vmail) {
+      m_writer(peer, pump, options.pacing), m_reader(options.mode == Mode::Vmail) {
     connect(&m_peer, &Peer::received, this, &PbxSession::onReceived);
+    connect(&m_writer, &PacedWriter::pieceSent, this,
+            [this](const QByteArray& piece) { m_tracer.sent(piece); });
 }
 
 void PbxSession::begin(bool offerEcho) {
@@ -25,8 +27,7 @@ void PbxSession::begin(bool offerEcho) {
 }
 
 void PbxSession::send(const QByteArray& bytes) {
-    if (m_peer.write(bytes))
-        m_tracer.sent(bytes);
+    m_writer.send(bytes);
 }
 
 void PbxSession::onReceived(const QByteArray& bytes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/paced_writer.h"
 #include "sim/sim_options.h"
 #include "sim/wire_reader.h"
 
@@ -28,7 +29,8 @@ public:
     // and starts the clocks of the --at messages.
     void begin(bool offerEcho);
 
-    // Writes `bytes` to the console in one write and traces it.
+    // Writes `bytes` to the console, in one write or paced as the options say, and traces each
+    // write.
     void send(const QByteArray& bytes);
 
 private:
@@ -41,6 +43,7 @@ private:
     const SimOptions& m_options;
     Tracer& m_tracer;
     EventPump& m_pump;
+    PacedWriter m_writer;
     WireReader m_reader;
     // ENQs and frames answered so far, while they still count in the lists of first answers.
     int m_enqsAnswered = 0;

@@ -11,6 +11,8 @@ namespace {
 
 // Longest delay a timer can hold in milliseconds, rounded down to a readable limit.
 constexpr int maxSeconds = 1000000;
+constexpr int maxBaud = 4000000;
+constexpr int maxPieceBytes = 65536;
 
 std::optional<Answer> answerNamed(const QString& name) {
     if (name == u"ack")
@@ -89,6 +91,21 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
                         .arg(option, *text, QString::number(maxSeconds));
         return s;
     };
+    auto whole = [&](const QString& option, int low, int high) -> std::optional<int> {
+        const auto text = value(option);
+        if (!text)
+            return std::nullopt;
+        bool ok = false;
+        const int n = text->toInt(&ok);
+        if (!ok || n < low || n > high) {
+            error = QStringLiteral("%1: \"%2\" is not a whole number from %3 to %4")
+                        .arg(option, *text)
+                        .arg(low)
+                        .arg(high);
+            return std::nullopt;
+        }
+        return n;
+    };
     auto message = [&](const QString& option, bool framed) -> std::optional<QByteArray> {
         const auto text = value(option);
         if (!text)
@@ -138,6 +155,15 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
         } else if (arg == u"--answer-delay") {
             if (const auto s = seconds(arg))
                 options.answerDelaySeconds = *s;
+        } else if (arg == u"--line-speed") {
+            if (const auto n = whole(arg, 50, maxBaud))
+                options.pacing.baud = *n;
+        } else if (arg == u"--split") {
+            if (const auto n = whole(arg, 1, maxPieceBytes))
+                options.pacing.pieceBytes = *n;
+        } else if (arg == u"--split-gap") {
+            if (const auto s = seconds(arg))
+                options.pacing.pieceGapSeconds = *s;
         } else if (arg == u"--echo-offer") {
             options.echoOffer = true;
         } else if (arg == u"--at") {
@@ -170,6 +196,7 @@ QString simUsage() {
     return QStringLiteral(
         "usage: larkspur-pbxsim [--listen HOST:PORT] [--pty [LINK]] [--mode HOTEL|VMAIL]\n"
         "                       [--on-enq ANSWERS] [--on-frame ANSWERS] [--answer-delay SECONDS]\n"
+        "                       [--line-speed BAUD] [--split BYTES] [--split-gap SECONDS]\n"
         "                       [--echo-offer] [--after MATCH SECONDS TEXT]... "
         "[--at SECONDS TEXT]...\n"
         "                       [--trace FILE]\n");
@@ -189,6 +216,12 @@ Plays the PBX side of the PMS link.
   --on-frame ANSWERS  answer to a frame, the same way (default ack)
   --answer-delay SECONDS
                       wait that long before each of those answers (default 0: at once)
+  --line-speed BAUD   write what the PBX sends one byte at a time, each taking ten bits' time
+                      at BAUD, as a serial line delivers it (1200 baud: 8.3 ms a byte)
+  --split BYTES       cut every message the PBX sends into pieces of BYTES, as a USB adapter
+                      or a serial-to-TCP converter hands them over (with --line-speed, each
+                      piece leaves once its bytes have crossed the line)
+  --split-gap SECONDS the pause after each piece of a cut message (default 0.02)
   --echo-offer        send the Telnet offer to echo (255 251 1) on each TCP connect
   --at SECONDS TEXT   send TEXT that many seconds after each connect (the pty counts as
                       connected when it is opened)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/pms_mode.h"
+#include "sim/paced_writer.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -48,6 +49,8 @@ struct SimOptions {
     // read.
     double answerDelaySeconds = 0;
     bool echoOffer = false;
+    // --line-speed, --split and --split-gap: how what the PBX sends crosses the line.
+    LinePacing pacing;
     QList<TimedMessage> at;
     QList<FollowUp> after;
     QString traceFile; // empty: standard output only

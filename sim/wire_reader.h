@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/frame_scanner.h"
+
 #include <QByteArray>
 #include <QList>
 
@@ -29,10 +31,8 @@ public:
     QList<WireUnit> feed(const QByteArray& bytes);
 
 private:
-    enum class State { Between, InFrame, AwaitingCheck };
-
     bool m_checkCharacter;
-    State m_state = State::Between;
+    FrameScanner m_scanner;
     QByteArray m_text;
 };
 

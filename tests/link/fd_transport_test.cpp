@@ -168,11 +168,9 @@ const Link links[] = {{"tcp", [] { return tcpPair(512); }}, {"pty", [] { return 
 // What the transport hands on, one readAll per wake-up as the receiver does.
 struct Received {
     QByteArray bytes;
-    int wakeUps = 0;
     explicit Received(Transport& transport) {
         QObject::connect(&transport, &Transport::dataReceived, [this, &transport] {
             bytes += transport.readAll();
-            ++wakeUps;
         });
     }
 };
@@ -196,7 +194,6 @@ TEST(FdTransport, AMegabyteEachWayArrivesWholeAndInOrder) {
             << " in";
         EXPECT_TRUE(pair.peer->received == out) << link.name;
         EXPECT_TRUE(received.bytes == in) << link.name;
-        EXPECT_GT(received.wakeUps, 1) << link.name;
     }
 }
 

@@ -7,10 +7,14 @@ namespace {
 
 class Receiver : public LinkFixture {
 protected:
-    // Delivers one read to the given transport and lets the receiver handle it.
+    // Delivers one read to the given transport and lets the receiver handle it, after the frame
+    // gap when it is a frame whose end has not come.
     void receive(bool overTcp, const QByteArray& bytes) {
         (overTcp ? tcp : serial).deliver(bytes);
-        pump.processEvents();
+        while (pump.hasPendingDeliveries()) {
+            pump.waitForEvent(1000);
+            pump.processEvents();
+        }
     }
 };
 

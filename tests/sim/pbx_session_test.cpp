@@ -81,6 +81,31 @@ TEST(PbxSession, AnswersInTurnAndAfterTheirDelay) {
     }
 }
 
+TEST(PbxSession, PacesWhatItSendsAsARealLineDelivers) {
+    struct Case {
+        QStringList arguments;
+        QStringList written;
+    } cases[] = {
+        // 1200 baud: 8.3 ms a byte; the ACK that follows waits for the line.
+        {{"--line-speed", "1200", "--at", "0", "AB", "--at", "0", "<ACK>"},
+         {"0 <STX>", "8 A", "17 B", "25 <ETX>", "33 <ACK>"}},
+        // Pieces of two bytes with the default pause of 20 ms after each but the last.
+        {{"--split", "2", "--at", "0", "ABC"}, {"0 <STX>A", "20 BC", "40 <ETX>"}},
+        {{"--split", "3", "--split-gap", "0.1", "--at", "0", "AB", "--at", "0", "<ENQ>"},
+         {"0 <STX>AB", "100 <ETX>", "100 <ENQ>"}},
+        // A USB adapter at 9600 baud: each piece leaves once its bytes have crossed the line.
+        {{"--line-speed", "9600", "--split", "3", "--split-gap", "0.016", "--at", "0", "ABCD"},
+         {"0 <STX>AB", "19 CD<ETX>"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        Rig rig(c.arguments);
+        rig.session->begin(false);
+        rig.play({});
+        EXPECT_EQ(rig.peer.written, c.written);
+    }
+}
+
 TEST(PbxSession, ALeavingConsoleCancelsWhatWasStillToBeSent) {
     Rig rig({"--answer-delay", "0.02", "--at", "1", "<ENQ>"});
     rig.session->begin(false);

@@ -6,12 +6,14 @@
 
 namespace larkspur {
 
-void cmd_save_log(Session& session) {
+QString cmd_save_log(Session& session) {
     if (session.link.waitingForAck())
-        return;
+        return QString();
     const QString path = session.operatorInterface.chooseFileToSave(logFileFilter);
-    if (!path.isEmpty())
-        saveLogFile(path, session.log.viewerList());
+    QString error;
+    if (path.isEmpty() || saveLogFile(path, session.log.viewerList(), &error))
+        return QString();
+    return QStringLiteral("The log file %1 could not be written: %2").arg(path, error);
 }
 
 bool cmd_open_logfile(Session& session) {

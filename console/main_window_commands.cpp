@@ -65,7 +65,11 @@ void MainWindow::wireCommands() {
         onClick(name, [this, command = command] { (m_engine.*command)(); });
     onClick("cmd_connect", [this] { connectLink(); });
     onClick("cmd_view_log", [this] { viewLog(); });
-    onClick("cmd_save_log", [this] { cmd_save_log(m_session); });
+    onClick("cmd_save_log", [this] {
+        const QString notSaved = cmd_save_log(m_session);
+        if (!notSaved.isEmpty())
+            m_status->setWarning(notSaved);
+    });
     onClick("cmd_open_logfile", [this] { openLog(); });
     onClick("cmd_new_error_file", [this] { startNewLog(); });
 

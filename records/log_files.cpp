@@ -9,15 +9,23 @@
 
 namespace larkspur {
 
-bool saveLogFile(const QString& path, const LogViewList& list) {
-    return writeWholeFile(path, [&list](QIODevice& file) {
+bool saveLogFile(const QString& path, const LogViewList& list, QString* error) {
+    return writeWholeFile(
+        path,
+        [&list](QIODevice& file) {
         for (qsizetype i = 0; i < list.size(); ++i) {
             const QLatin1StringView entry = list.entry(i);
             if (file.write(entry.data(), entry.size()) < 0 || file.write("\r\n", 2) < 0)
                 return false;
         }
         return true;
-    });
+        },
+        error);
+}
+
+QByteArray logFileLine(QStringView loggedText) {
+    QByteArray line = loggedText.first(LogViewList::entryLength(loggedText.size())).toLatin1();
+    return line.append("\r\n", 2);
 }
 
 bool appendLogFile(const QString& path, LogViewList& list) {

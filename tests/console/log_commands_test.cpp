@@ -54,6 +54,19 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
               QStringList({"Connected...", "Received--> ACK", "Connected...", "Received--> ACK"}));
 }
 
+TEST_F(LogCommands, ALogFileThatCannotBeWrittenIsSaid) {
+    session.log.logLine("kept");
+    const QString nowhere = dir.filePath("no/such/folder/pms.log");
+    op.filesToSave = {nowhere};
+    const QString said = cmd_save_log(session);
+    EXPECT_TRUE(said.startsWith("The log file " + nowhere + " could not be written: "))
+        << said.toStdString();
+    EXPECT_TRUE(op.notices.isEmpty()) << "no box, as for every other log command";
+    EXPECT_EQ(session.log.logText(), "kept\r\n") << "and nothing logged";
+    op.filesToSave = {path};
+    EXPECT_EQ(cmd_save_log(session), "");
+}
+
 TEST_F(LogCommands, CancelledDialogsChangeNothing) {
     session.log.logLine("kept");
     EXPECT_FALSE(cmd_open_logfile(session)) << "no viewer after a cancelled open";

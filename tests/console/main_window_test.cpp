@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDir>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -304,6 +305,15 @@ TEST_F(MainWindowTest, ClosingDuringAWaitEndsTheWaitThenCloses) {
     const qint64 before = pump.elapsedMs();
     find<QAbstractButton>("cmd_connect")->click();
     EXPECT_EQ(pump.elapsedMs(), before) << "nothing starts once the window has closed";
+}
+
+TEST_F(MainWindowTest, SettingsThatCannotBeStoredAreSaidAsTheWindowCloses) {
+    // A folder where the settings file should be: nothing can be written there, even by root.
+    QDir(dir.path()).mkdir("larkspur.ini");
+    window().close();
+    ASSERT_EQ(op.notices.size(), 1);
+    EXPECT_TRUE(op.notices.first().startsWith("The settings could not be saved to "))
+        << op.notices.first().toStdString();
 }
 
 TEST_F(MainWindowTest, ClosingWhenIdleDisconnectsPausesAndStores) {

@@ -56,7 +56,10 @@ int main(int argc, char** argv) {
 
     QString error;
     // Quit through the event loop so destructors run (the pty's symlink is removed).
-    if (!larkspur::watchTerminationSignals([] { QCoreApplication::quit(); }, &error)) {
+    // Whoever read the trace may go (| head); the PBX goes on answering its console.
+    larkspur::ignoreBrokenPipes();
+    if (!larkspur::watchTerminationSignals([](larkspur::Termination) { QCoreApplication::quit(); },
+                                           &error)) {
         printError(error);
         return 1;
     }

@@ -1,3 +1,4 @@
+// Termination signals where POSIX has them: a self-pipe wakes the event loop.
 #include "core/termination_signals.h"
 
 #include <QCoreApplication>
@@ -16,10 +17,21 @@ namespace {
 int signalPipe[2] = {-1, -1};
 std::atomic<bool> requested{false};
 
-void onSignal(int) {
+void onSignal(int number) {
     requested = true;
-    const char byte = 1;
+    const char byte = char(number);
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+
+Termination termination(int number) {
+    switch (number) {
+    case SIGHUP:
+        return Termination::HangUp;
+    case SIGTERM:
+        return Termination::Terminate;
+    default:
+        return Termination::Interrupt;
+    }
 }
 
 void install(bool resumeCalls) {
@@ -27,12 +39,12 @@ void install(bool resumeCalls) {
     action.sa_handler = onSignal;
     sigemptyset(&action.sa_mask);
     action.sa_flags = resumeCalls ? SA_RESTART : 0;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        ::sigaction(number, &action, nullptr);
 }
 } // namespace
 
-bool watchTerminationSignals(std::function<void()> handler, QString* error) {
+bool watchTerminationSignals(std::function<void(Termination)> handler, QString* error) {
     if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         if (error)
             *error = QStringLiteral("cannot watch for signals: ") +
@@ -43,10 +55,12 @@ bool watchTerminationSignals(std::function<void()> handler, QString* error) {
         new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, QCoreApplication::instance(),
                      [handler = std::move(handler)] {
-                         char drained[16];
-                         while (::read(signalPipe[0], drained, sizeof drained) > 0) {
+                         char numbers[16];
+                         ssize_t n = 0;
+                         while ((n = ::read(signalPipe[0], numbers, sizeof numbers)) > 0) {
+                             for (ssize_t i = 0; i < n; ++i)
+                                 handler(termination(numbers[i]));
                          }
-                         handler();
                      });
     install(true);
     return true;
@@ -54,6 +68,10 @@ bool watchTerminationSignals(std::function<void()> handler, QString* error) {
 
 bool terminationRequested() {
     return requested;
+}
+
+void ignoreBrokenPipes() {
+    ::signal(SIGPIPE, SIG_IGN);
 }
 
 InterruptibleCalls::InterruptibleCalls() {

@@ -9,9 +9,9 @@
 #include "link/serial_line.h"
 #include "link/settings_store.h"
 #include "player/junit_recorder.h"
-#include "player/junit_report.h"
 #include "player/player_options.h"
-#include "records/log_files.h"
+#include "player/run_outputs.h"
+#include "player/standard_error.h"
 #include "records/run_statistics.h"
 #include "records/wire_trace.h"
 #include "script/script_engine.h"
@@ -23,6 +23,8 @@
 #include <QFileInfo>
 #include <QSettings>
 
+#include <optional>
+
 #include <cstdio>
 #include <functional>
 #include <sys/stat.h>
@@ -30,11 +32,6 @@
 namespace larkspur {
 
 namespace {
-void printError(const QString& text) {
-    std::fprintf(stderr, "larkspur-run: %s\n", qPrintable(text));
-    std::fflush(stderr);
-}
-
 // Notices become one line on standard error; nobody is there to close a box.
 class HeadlessOperator : public OperatorInterface {
 public:
@@ -43,29 +40,10 @@ public:
     void notify(const QString& text) override {
         lastNotice = text;
         lastNotice.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
-        printError(lastNotice);
+        printNotice(lastNotice);
     }
     QString chooseFileToOpen(const QString&) override { return QString(); }
     QString chooseFileToSave(const QString&) override { return QString(); }
-};
-
-// The traffic log on standard output, each CR LF as LF; the JUnit case of the command that
-// logged it gets it too.
-class StdoutDisplay : public TrafficDisplay {
-public:
-    explicit StdoutDisplay(JunitRecorder& junit) : m_junit(junit) {}
-
-    void insertAtEnd(const QString& text, bool) override {
-        QByteArray bytes = text.toLatin1();
-        bytes.replace("\r\n", "\n");
-        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-        std::fflush(stdout);
-        m_junit.addOutput(text);
-    }
-    void clear() override {}
-
-private:
-    JunitRecorder& m_junit;
 };
 
 void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& script) {
@@ -149,10 +127,12 @@ public:
 
 private:
     int play(const ScriptText& script);
-    void onSignal();
+    int connectionFailed(Link::ConnectResult connected);
+    void onSignal(Termination termination);
     void onLinkLost(const QString& reason);
-    void writeReports();
-    int afterPlaying(ScriptEngine::RunOutcome outcome);
+    // Ends the run: the trace's last exchange, the statistics, the files and reports.
+    int finish(int status);
+    int afterPlaying(ScriptEngine::RunOutcome outcome) const;
 
     const PlayerOptions& m_options;
     HeadlessOperator& m_operator;
@@ -161,12 +141,9 @@ private:
     std::function<void(PmsMode)> m_beforeConnect;
     Session& m_session = m_console.session;
     ScriptEngine& m_engine = m_console.engine;
-    JunitReport m_report;
-    JunitRecorder m_junit{m_session, m_engine, m_report};
-    StdoutDisplay m_display{m_junit};
-    QFile m_traceFile;
-    int m_signals = 0;
-    bool m_playing = false;
+    JunitRecorder m_junit{m_session, m_engine};
+    RunOutputs m_outputs{m_options, m_junit};
+    std::optional<Termination> m_termination;
     QString m_lostReason;
 };
 
@@ -174,8 +151,8 @@ int HeadlessRun::exec() {
     // Before the script is opened: a FIFO blocks its open until someone writes it, and a signal
     // must still end the run.
     QString error;
-    if (!watchTerminationSignals([this] { onSignal(); }, &error))
-        printError(error);
+    if (!watchTerminationSignals([this](Termination t) { onSignal(t); }, &error))
+        printNotice(error);
 
     ScriptFile file;
     {
@@ -183,150 +160,118 @@ int HeadlessRun::exec() {
         file = readScriptFile(m_options.script);
     }
     if (file.status == ScriptFile::Status::Interrupted || terminationRequested())
-        return exitcode::interrupted;
+        return m_termination == Termination::HangUp ? exitcode::hungUp : exitcode::interrupted;
     if (file.status == ScriptFile::Status::Refused) {
-        printError(QStringLiteral("cannot read %1: %2").arg(m_options.script, file.error));
+        printNotice(QStringLiteral("cannot read %1: %2").arg(m_options.script, file.error));
         return exitcode::badScript;
     }
     const ScriptText script = readScript(std::exchange(file.bytes, QByteArray()));
 
     const QString problem = outputProblem(m_options);
     if (!problem.isEmpty()) {
-        printError(problem);
+        printNotice(problem);
         return exitcode::usage;
     }
+    if (!m_outputs.open())
+        return exitcode::usage;
     return play(script);
 }
 
 int HeadlessRun::play(const ScriptText& script) {
-    m_session.log.setDisplay(&m_display);
+    // Every line goes to its files as it comes; nothing is kept for a viewer nobody opens.
+    m_session.log.setDisplay(&m_outputs);
+    m_session.log.keepHistory(false);
+    m_session.errors.keepReport(false);
+    m_outputs.follow(m_session.errors, m_console.trace);
+
     QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
     const QString settingsProblem = loadLinkSettings(store, m_session.link);
     if (!settingsProblem.isEmpty())
-        printError(settingsProblem);
+        printNotice(settingsProblem);
     applyOptions(m_options, m_session, script);
     m_engine.Continuous = m_options.continuous;
     QObject::connect(&m_session.link, &Link::linkLost,
                      [this](const QString& reason) { onLinkLost(reason); });
-
-    if (!m_options.trace.isEmpty()) {
-        m_traceFile.setFileName(m_options.trace);
-        if (!m_traceFile.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            printError(QStringLiteral("cannot write the trace %1: %2")
-                           .arg(m_options.trace, m_traceFile.errorString()));
-            return exitcode::usage;
-        }
-        QObject::connect(&m_console.trace, &WireTrace::rowAdded, [this](const WireRow& row) {
-            m_traceFile.write((WireTrace::format(row) + QLatin1Char('\n')).toLatin1());
-            m_traceFile.flush();
-        });
-    }
-    // A signal acts as CANCEL after every command, so the run ends after the one in progress.
+    // A signal acts as CANCEL after every command, so nothing more is played.
     QObject::connect(&m_engine, &ScriptEngine::commandFinished, [this] {
-        if (m_signals > 0)
+        if (m_termination)
             m_session.requestScriptStop();
     });
     QObject::connect(
         &m_engine, &ScriptEngine::unrecognizedCommand, [](int line, const QString& why) {
-            printError(line > 0 ? QStringLiteral("line %1: %2").arg(line).arg(why) : why);
+            printNotice(line > 0 ? QStringLiteral("line %1: %2").arg(line).arg(why) : why);
         });
 
-    const LinkSettings& s = m_session.link.settings;
     if (m_beforeConnect)
         m_beforeConnect(m_session.link.pmsMode);
     const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
-    if (m_signals > 0 || connected != Link::ConnectResult::Connected) {
-        QString why;
-        int status = exitcode::noLink;
-        if (m_signals > 0) {
-            why = QStringLiteral("interrupted");
-            status = exitcode::interrupted;
-        } else if (connected == Link::ConnectResult::Lost) {
-            why = QStringLiteral("link lost: ") + m_lostReason;
-            status = exitcode::linkLost;
-        } else if (connected == Link::ConnectResult::NoResponse) {
-            why = QStringLiteral("No response from PBX");
-        } else if (s.useTcp && m_operator.lastNotice.isEmpty()) {
-            why = QStringLiteral("no connection to %1 within %2 s")
-                      .arg(formatHostPort(s.ipAddress, s.telnetPort))
-                      .arg(m_options.connectTimeoutSeconds);
-            printError(why);
-        } else {
-            why = m_operator.lastNotice;
-        }
-        m_junit.connectionFailed(linkName(s), why);
-        m_session.cmd_disconnect();
-        writeReports();
-        return status;
-    }
+    if (m_termination || connected != Link::ConnectResult::Connected)
+        return connectionFailed(connected);
 
-    m_playing = true;
     const ScriptEngine::RunOutcome outcome = m_engine.runScript(script);
-    m_playing = false;
     m_junit.finish();
     m_session.cmd_disconnect();
-    writeReports();
-    return afterPlaying(outcome);
+    return finish(afterPlaying(outcome));
 }
 
-void HeadlessRun::onSignal() {
-    // A first signal acts as CANCEL (and keeps acting after each command); a second one, or one
-    // before the script plays, ends every wait at once.
-    ++m_signals;
+int HeadlessRun::connectionFailed(Link::ConnectResult connected) {
+    const LinkSettings& s = m_session.link.settings;
+    QString why;
+    int status = exitcode::noLink;
+    if (m_termination) {
+        why = QStringLiteral("interrupted");
+        status = m_termination == Termination::HangUp ? exitcode::hungUp : exitcode::interrupted;
+    } else if (connected == Link::ConnectResult::Lost) {
+        why = QStringLiteral("link lost: ") + m_lostReason;
+        status = exitcode::linkLost;
+    } else if (connected == Link::ConnectResult::NoResponse) {
+        why = QStringLiteral("No response from PBX");
+    } else if (s.useTcp && m_operator.lastNotice.isEmpty()) {
+        why = QStringLiteral("no connection to %1 within %2 s")
+                  .arg(formatHostPort(s.ipAddress, s.telnetPort))
+                  .arg(m_options.connectTimeoutSeconds);
+        printNotice(why);
+    } else {
+        why = m_operator.lastNotice;
+    }
+    m_junit.connectionFailed(linkName(s), why);
+    m_session.cmd_disconnect();
+    return finish(status);
+}
+
+void HeadlessRun::onSignal(Termination termination) {
+    // Acts as CANCEL, and ends whatever wait runs now (a transaction's too) at once.
+    if (!m_termination)
+        m_termination = termination;
     m_session.requestScriptStop();
-    if (m_signals > 1 || !m_playing)
-        m_pump.requestStop();
+    m_pump.requestStop();
 }
 
 void HeadlessRun::onLinkLost(const QString& reason) {
     // Nothing more can reach the PBX: the run ends where it stands.
     m_lostReason = reason;
-    printError(QStringLiteral("link lost: %1").arg(reason));
+    printNotice(QStringLiteral("link lost: %1").arg(reason));
     m_pump.requestStop();
 }
 
-void HeadlessRun::writeReports() {
+int HeadlessRun::finish(int status) {
     m_console.trace.finish(m_pump.currentDateTime());
     if (!m_console.statistics.isEmpty())
         std::fprintf(stderr, "%s", qPrintable(m_console.statistics.table()));
-    for (auto it = m_console.statistics.rows().cbegin(); it != m_console.statistics.rows().cend();
-         ++it) {
-        const RunStatistics::Row& r = it.value();
-        const QString type = it.key();
-        m_report.addProperty(type + QStringLiteral(".sent"), QString::number(r.sent));
-        m_report.addProperty(type + QStringLiteral(".acknowledged"),
-                             QString::number(r.acknowledged));
-        m_report.addProperty(type + QStringLiteral(".refused"), QString::number(r.refused));
-        m_report.addProperty(type + QStringLiteral(".timedOut"), QString::number(r.timedOut));
-        if (!r.answerMs.isEmpty())
-            m_report.addProperty(
-                type + QStringLiteral(".answerMs"),
-                QStringLiteral("%1/%2/%3").arg(r.minMs()).arg(r.medianMs()).arg(r.maxMs()));
-    }
-
-    const QString& saveLog = m_options.saveLog;
-    if (!saveLog.isEmpty() && !saveLogFile(saveLog, m_session.log.viewerList()))
-        printError(QStringLiteral("cannot write the log file %1").arg(saveLog));
-    const QByteArray errors = m_session.errors.errorReport().toLatin1();
-    QString why;
-    if (!m_options.errorReport.isEmpty() &&
-        !writeWholeFile(
-            m_options.errorReport, [&errors](QIODevice& f) { return f.write(errors) >= 0; }, &why))
-        printError(
-            QStringLiteral("cannot write the error report %1: %2").arg(m_options.errorReport, why));
-    if (!m_options.junit.isEmpty() &&
-        !m_report.write(m_options.junit, QFileInfo(m_options.script).completeBaseName()))
-        printError(QStringLiteral("cannot write the JUnit report %1").arg(m_options.junit));
+    m_outputs.finish(m_console.statistics);
+    // Reports cut short must never pass for a run's result.
+    return m_outputs.failed() ? exitcode::reportsUnwritten : status;
 }
 
-int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) {
-    if (m_signals > 0)
-        return exitcode::interrupted;
+int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {
+    if (m_termination)
+        return m_termination == Termination::HangUp ? exitcode::hungUp : exitcode::interrupted;
     if (!m_lostReason.isEmpty())
         return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        return m_session.errors.errorCount() == 0 ? exitcode::ok : exitcode::transactionsFailed;
+        return m_session.errors.countedSinceReset() == 0 ? exitcode::ok
+                                                         : exitcode::transactionsFailed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:
@@ -346,8 +291,8 @@ int runHeadless(const PlayerOptions& options) {
         ProgramAssembly console(op, traceRows);
         return HeadlessRun(options, console, console.pump(), op).exec();
     }
-    printError(QStringLiteral("dry run: playing against the built-in simulator in virtual "
-                              "time; no link is opened"));
+    printNotice(QStringLiteral("dry run: playing against the built-in simulator in virtual "
+                               "time; no link is opened"));
     DryRunAssembly console(op, traceRows, options.pbx);
     // Unless told otherwise, the PBX speaks the mode the console tests the link in.
     const auto followMode = [&](PmsMode pmsMode) {

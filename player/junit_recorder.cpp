@@ -6,8 +6,7 @@
 
 namespace larkspur {
 
-JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine, JunitReport& report)
-    : m_session(session), m_report(report) {
+JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine) : m_session(session) {
     connect(&engine, &ScriptEngine::commandStarted, this, &JunitRecorder::open);
     connect(&engine, &ScriptEngine::commandFinished, this, &JunitRecorder::close);
     connect(&engine, &ScriptEngine::unrecognizedCommand, this,
@@ -48,7 +47,8 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine, JunitReport
 void JunitRecorder::open(const QString& name, int line) {
     close();
     m_case = JunitReport::Case{name, 0, {}, {}, line};
-    m_started = m_session.pump.currentDateTime();
+    m_started = m_session.pump.monotonicSeconds();
+    m_outputLeftOut = 0;
 }
 
 void JunitRecorder::fail(const QString& why) {
@@ -62,6 +62,11 @@ void JunitRecorder::fail(const QString& why) {
 void JunitRecorder::addOutput(QStringView text) {
     if (!m_case)
         return;
+    // Past what a case keeps, the rest is only counted.
+    if (m_case->output.size() >= maxOutput) {
+        m_outputLeftOut += text.size();
+        return;
+    }
     QString lines = text.toString();
     lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     m_case->output += lines;
@@ -70,9 +75,13 @@ void JunitRecorder::addOutput(QStringView text) {
 void JunitRecorder::close() {
     if (!m_case)
         return;
-    m_case->seconds = double(m_started.msecsTo(m_session.pump.currentDateTime())) / 1000.0;
-    m_report.add(std::move(*m_case));
+    m_case->seconds = m_session.pump.monotonicSeconds() - m_started;
+    if (m_outputLeftOut > 0)
+        m_case->output +=
+            QStringLiteral("[%1 more characters of output left out]\n").arg(m_outputLeftOut);
+    const JunitReport::Case closed = std::move(*m_case);
     m_case.reset();
+    Q_EMIT caseClosed(closed);
 }
 
 void JunitRecorder::finish() {

@@ -2,7 +2,6 @@
 
 #include "player/junit_report.h"
 
-#include <QDateTime>
 #include <QObject>
 
 #include <optional>
@@ -12,13 +11,17 @@ namespace larkspur {
 class ScriptEngine;
 class Session;
 
-// Builds the JUnit report from what happens during a run: a case opens when a command starts
+// Builds the JUnit cases from what happens during a run: a case opens when a command starts
 // and closes when it ends; an error record, a transaction the PBX did not take (refused,
 // unanswered, answered only by a stale ACK, cut short), a stopped wait or a lost link fails it.
 class JunitRecorder : public QObject {
     Q_OBJECT
 public:
-    JunitRecorder(Session& session, ScriptEngine& engine, JunitReport& report);
+    JunitRecorder(Session& session, ScriptEngine& engine);
+
+    // The output a case keeps; a command that logs more (a wait through a flood) keeps the
+    // start and says how much was left out.
+    static constexpr qsizetype maxOutput = 64 * 1024;
 
     // Log text written while a case is open becomes its output.
     void addOutput(QStringView text);
@@ -27,15 +30,18 @@ public:
     // Closes a case still open (a run cut short).
     void finish();
 
+Q_SIGNALS:
+    void caseClosed(const larkspur::JunitReport::Case& c);
+
 private:
     void open(const QString& name, int line);
     void fail(const QString& why);
     void close();
 
     Session& m_session;
-    JunitReport& m_report;
     std::optional<JunitReport::Case> m_case;
-    QDateTime m_started;
+    double m_started = 0;
+    qsizetype m_outputLeftOut = 0;
 };
 
 } // namespace larkspur

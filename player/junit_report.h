@@ -1,13 +1,18 @@
 #pragma once
 
+#include "core/streamed_file.h"
+
 #include <QList>
 #include <QString>
+#include <QTemporaryFile>
 
-class QIODevice;
+#include <memory>
 
 namespace larkspur {
 
-// One test case per played script command, written as JUnit XML for CI.
+// One test case per played script command, written as JUnit XML that CI servers' schema
+// accepts. Cases go to a spool file as they close, so a week-long run holds only their count;
+// the report itself is written at the end.
 class JunitReport {
 public:
     struct Case {
@@ -18,21 +23,32 @@ public:
         int line = 0;    // where the command stands in the script file, when known
     };
 
-    void add(Case c) { m_cases.append(std::move(c)); }
+    // The spool goes in `folder` (the report's own, so it needs no room elsewhere). False with
+    // the reason in error().
+    bool open(const QString& folder);
+    void add(const Case& c);
     // A name/value pair of the whole run (the run statistics).
     void addProperty(const QString& name, const QString& value) {
         m_properties.append({name, value});
     }
-    const QList<Case>& cases() const { return m_cases; }
+    // Writes the report for the script `suiteName`; false with the reason in error() when it
+    // could not be written whole.
+    bool write(const QString& path, const QString& suiteName);
 
-    // Writes the report for the script `suiteName`; false when the file could not be written.
-    bool write(const QString& path, const QString& suiteName) const;
+    qsizetype tests() const { return m_tests; }
+    qsizetype failures() const { return m_failures; }
+    const QString& error() const { return m_error; }
+
+    // The name a case is shown by: its number in the run, and its script line when known.
+    static QString caseName(qsizetype number, const Case& c);
 
 private:
-    bool writeXml(QIODevice& file, const QString& suiteName) const;
-
-    QList<Case> m_cases;
+    std::unique_ptr<QTemporaryFile> m_spool;
+    qsizetype m_tests = 0;
+    qsizetype m_failures = 0;
+    double m_seconds = 0;
     QList<std::pair<QString, QString>> m_properties;
+    QString m_error;
 };
 
 } // namespace larkspur

@@ -3,9 +3,12 @@
 namespace larkspur {
 
 void ErrorRecords::recordError(const QString& record, bool counts) {
-    m_errorReport += record;
-    if (counts)
+    if (m_keepReport)
+        m_errorReport += record;
+    if (counts) {
         ++m_errorCount;
+        ++m_countedSinceReset;
+    }
     Q_EMIT errorRecorded(record);
 }
 

@@ -5,7 +5,7 @@ namespace larkspur {
 QLatin1StringView LogViewList::entry(qsizetype index) const {
     const qsizetype begin = index == 0 ? m_start : m_ends.at(index - 1);
     const qsizetype end = m_ends.at(index);
-    return arena(begin, qMax(begin, end - 2));
+    return arena(begin, begin + entryLength(end - begin));
 }
 
 QLatin1StringView LogViewList::arena(qsizetype begin, qsizetype end) const {

@@ -16,6 +16,10 @@ class LogViewList {
 public:
     qsizetype size() const { return m_ends.size(); }
     QLatin1StringView entry(qsizetype index) const;
+    // How much of a logged text its entry holds: all but the last two characters, its CR LF.
+    static qsizetype entryLength(qsizetype loggedLength) {
+        return qMax<qsizetype>(0, loggedLength - 2);
+    }
     // A line of a log file; a character past U+00FF is kept as '?'.
     void append(QStringView entry);
     // A cleaned, logged text: its entry is the text without its last two characters. Returns

@@ -2,9 +2,10 @@
 
 #include "records/wire_trace.h"
 
-#include <QList>
 #include <QMap>
 #include <QString>
+
+#include <map>
 
 namespace larkspur {
 
@@ -16,7 +17,10 @@ public:
         int acknowledged = 0;
         int refused = 0;
         int timedOut = 0;
-        QList<qint64> answerMs;
+        // How many answers took each whole number of milliseconds: as exact as a list of them,
+        // but bounded by the time-outs however long the run.
+        std::map<qint64, qint64> answerMs;
+        qint64 answers = 0;
         qint64 minMs() const;
         qint64 medianMs() const;
         qint64 maxMs() const;

@@ -44,6 +44,10 @@ void TrafficLog::ShowDebug(QString& text) {
     if (m_display)
         m_display->insertAtEnd(cleaned, replacing);
     m_logCaret += cleaned.size() - (replacing ? 1 : 0);
+    if (!m_keepHistory) {
+        text = std::move(cleaned);
+        return;
+    }
 
     const qsizetype at = m_viewerList.appendLogged(cleaned);
     if (!m_logSpans.isEmpty() && m_logSpans.last().second == at)

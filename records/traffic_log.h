@@ -35,11 +35,15 @@ public:
     LogViewList& viewerList() { return m_viewerList; }
 
     void setDisplay(TrafficDisplay* display) { m_display = display; }
+    // Whether the viewer list and the log text keep what is logged (the window's do). A player
+    // that streams every line to its files keeps nothing, so a week-long run stays flat.
+    void keepHistory(bool keep) { m_keepHistory = keep; }
     // Empties the visible log; the log text and the viewer list keep everything.
     void clearDisplay();
 
 private:
     TrafficDisplay* m_display = nullptr;
+    bool m_keepHistory = true;
     LogViewList m_viewerList;
     // Where the log text lies in the viewer list's arena: one stretch, and one more after each
     // log file read into the list.

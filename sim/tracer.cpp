@@ -34,8 +34,18 @@ void Tracer::traceBytes(const char* direction, const QByteArray& bytes) {
 
 void Tracer::writeLine(const QString& line) {
     const QByteArray text = (line + u'\n').toUtf8();
-    for (QIODevice* sink : std::as_const(m_sinks))
-        sink->write(text);
+    QStringList dropped;
+    for (qsizetype i = 0; i < m_sinks.size();) {
+        QIODevice* sink = m_sinks.at(i);
+        if (sink->write(text) == text.size()) {
+            ++i;
+            continue;
+        }
+        dropped << sink->errorString();
+        m_sinks.removeAt(i);
+    }
+    for (const QString& why : std::as_const(dropped))
+        status(QStringLiteral("trace output dropped: ") + why);
 }
 
 } // namespace larkspur::sim

@@ -10,7 +10,8 @@ namespace larkspur::sim {
 
 // Writes the simulator's trace: "HH:MM:SS.mmm RX <readable>" for each read, "... TX ..." for
 // each write, and "# <text>" status lines. Each line goes to every sink at once, because the
-// sinks are pipes and files that someone is watching.
+// sinks are pipes and files that someone is watching. A sink that can no longer be written (a
+// reader that went away, a full disk) is dropped, and the others are told.
 class Tracer {
 public:
     // `sink` must outlive the tracer and should be unbuffered.

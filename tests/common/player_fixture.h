@@ -3,6 +3,7 @@
 #include "common/pbxsim_process.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -10,7 +11,8 @@
 namespace larkspur::test {
 
 // larkspur-run as a separate process, in a home of its own so an engineer's stored settings
-// never leak in, with both of its outputs collected.
+// never leak in, with both of its outputs collected. Every JUnit report a run writes is checked
+// against the schema CI servers validate JUnit files with.
 class PlayerFixture : public ::testing::Test {
 protected:
     QTemporaryDir home;
@@ -37,8 +39,14 @@ protected:
     }
     QString script(const QByteArray& content) { return file("script.txt", content); }
     void start(const QStringList& arguments) {
-        run.start(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
-        ASSERT_TRUE(run.waitForStarted());
+        startProgram(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
+    }
+    // Starts it with its clock at `timeOfDay` ("23:59:58") today, through faketime.
+    void startAt(const QString& timeOfDay, const QStringList& arguments) {
+        const QString now =
+            QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd ")) + timeOfDay;
+        startProgram(QStringLiteral("faketime"),
+                     QStringList{now, QStringLiteral(LARKSPUR_RUN_PATH)} + arguments);
     }
     // Runs to the end (bounded) and gives the exit status: -1 when it had to be killed, -2 when
     // it crashed.
@@ -49,7 +57,21 @@ protected:
             run.waitForFinished();
             return -1;
         }
+        if (QFileInfo(m_junit).isFile()) {
+            EXPECT_EQ(schemaProblems(m_junit), "") << m_junit.toStdString();
+        }
         return run.exitStatus() == QProcess::NormalExit ? run.exitCode() : -2;
+    }
+    // What xmllint finds wrong with the JUnit report at `path`; empty when it validates.
+    static QString schemaProblems(const QString& path) {
+        QProcess xmllint;
+        xmllint.start(QStringLiteral("xmllint"),
+                      {QStringLiteral("--noout"), QStringLiteral("--schema"),
+                       QStringLiteral(LARKSPUR_SOURCE_DIR "/tests/data/junit-10.xsd"), path});
+        if (!xmllint.waitForFinished(30'000))
+            return QStringLiteral("xmllint did not run: ") + xmllint.errorString();
+        return xmllint.exitCode() == 0 ? QString()
+                                       : QString::fromLocal8Bit(xmllint.readAllStandardError());
     }
     QStringList outLines() const {
         return QString::fromLatin1(out).split('\n', Qt::SkipEmptyParts);
@@ -60,6 +82,27 @@ protected:
     static QString tcp(const PbxSimProcess& sim) {
         return QStringLiteral("127.0.0.1:%1").arg(sim.port());
     }
+
+    // Starts it with its standard output piped into `reader`, a shell command such as "head -3";
+    // the exit status is its own.
+    void startPipedInto(const QString& reader, const QStringList& arguments) {
+        startProgram(
+            QStringLiteral("bash"),
+            QStringList{QStringLiteral("-c"),
+                        QStringLiteral("\"$0\" \"$@\" | %1; exit \"${PIPESTATUS[0]}\"").arg(reader),
+                        QStringLiteral(LARKSPUR_RUN_PATH)} +
+                arguments);
+    }
+
+private:
+    void startProgram(const QString& program, const QStringList& arguments) {
+        const qsizetype junit = arguments.indexOf(QStringLiteral("--junit"));
+        m_junit = junit >= 0 ? arguments.value(junit + 1) : QString();
+        run.start(program, arguments);
+        ASSERT_TRUE(run.waitForStarted());
+    }
+
+    QString m_junit;
 };
 
 } // namespace larkspur::test

@@ -11,9 +11,13 @@ namespace {
 
 class JunitCases : public ScriptFixture {
 protected:
-    JunitReport report;
-    JunitRecorder recorder{session, engine, report};
+    QList<JunitReport::Case> cases;
+    JunitRecorder recorder{session, engine};
 
+    JunitCases() {
+        QObject::connect(&recorder, &JunitRecorder::caseClosed,
+                         [this](const JunitReport::Case& c) { cases.append(c); });
+    }
     void SetUp() override {
         ScriptFixture::SetUp();
         session.recorder.suspend();
@@ -26,7 +30,7 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
         QByteArray script;
         Answer onFrame;
         QString failure; // a part of it; empty: the case passes
-    } cases[] = {
+    } table[] = {
         {"acknowledged", "CHK1   101\r\n;\r\n", Answer::Ack, ""},
         {"refused: the error record", "CHK0   101\r\n;\r\n", Answer::Nak,
          "-> PBX DID NOT ACKnowkledge the Check out message:"},
@@ -41,14 +45,14 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
          "Time expired.  Did not receive--> sts2"},
         {"unknown command", "STOP\r\n;\r\n", Answer::Ack, "unrecognized command \"STOP\""},
     };
-    for (const Case& c : cases) {
+    for (const Case& c : table) {
         SCOPED_TRACE(c.name);
         restart();
-        report = JunitReport();
+        cases.clear();
         pbx.options.onFrame = c.onFrame;
         play(c.script);
-        ASSERT_EQ(report.cases().size(), 1);
-        const JunitReport::Case& r = report.cases().first();
+        ASSERT_EQ(cases.size(), 1);
+        const JunitReport::Case& r = cases.first();
         if (QString(c.failure).isEmpty())
             EXPECT_TRUE(r.failure.isEmpty()) << r.failure;
         else
@@ -59,21 +63,20 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
 TEST_F(JunitCases, StoppedWaitsAndLostLinksFail) {
     pump.schedule(1500, [&] { engine.StopScript(); });
     play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n");
-    ASSERT_EQ(report.cases().size(), 2);
-    EXPECT_TRUE(report.cases()[0].failure.contains("stopped")) << report.cases()[0].failure;
-    EXPECT_TRUE(report.cases()[1].failure.isEmpty());
-    EXPECT_EQ(report.cases()[1].name, "CHK1   101");
-    EXPECT_EQ(report.cases()[1].line, 2);
+    ASSERT_EQ(cases.size(), 2);
+    EXPECT_TRUE(cases[0].failure.contains("stopped")) << cases[0].failure;
+    EXPECT_TRUE(cases[1].failure.isEmpty());
+    EXPECT_EQ(cases[1].name, "CHK1   101");
+    EXPECT_EQ(cases[1].line, 2);
 
     restart();
-    report = JunitReport();
+    cases.clear();
     pbx.options.onFrame = Answer::Silent;
     tcp.loseLink("closed by the PBX", 1000);
     play("CHK0   101\r\nCHK0   102\r\n;\r\n");
-    ASSERT_EQ(report.cases().size(), 1);
-    EXPECT_TRUE(report.cases()[0].failure.contains("link lost: closed by the PBX"))
-        << report.cases()[0].failure;
-    EXPECT_TRUE(report.cases()[0].failure.contains("interrupted")) << report.cases()[0].failure;
+    ASSERT_EQ(cases.size(), 1);
+    EXPECT_TRUE(cases[0].failure.contains("link lost: closed by the PBX")) << cases[0].failure;
+    EXPECT_TRUE(cases[0].failure.contains("interrupted")) << cases[0].failure;
 }
 
 } // namespace

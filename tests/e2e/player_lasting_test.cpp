@@ -1,0 +1,229 @@
+// larkspur-run as nightly jobs and week-long soaks use it: across midnight, through signals
+// and a closed standard output, onto a full disk, and at a flat footprint.
+#include "common/player_fixture.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace larkspur::test;
+
+namespace {
+
+using Lasting = PlayerFixture;
+
+QByteArray repeated(const QByteArray& line, int times) {
+    QByteArray out;
+    for (int i = 0; i < times; ++i)
+        out += line;
+    return out + ";\r\n";
+}
+
+TEST_F(Lasting, WaitsKeepTheirLengthAcrossMidnight) {
+    // The dry run's virtual clock starts at the wall clock's time: ten seconds before midnight.
+    startAt("23:59:50", {"--dry-run", script(repeated("WAIT STS1   101 9\r\nCHK1   101\r\n", 5))});
+    EXPECT_EQ(finish(30'000), 0) << err.toStdString();
+    EXPECT_EQ(outLines().count("Time expired.  Did not receive--> sts1"), 5);
+
+    // A real run against a PBX that says nothing, started two seconds before midnight.
+    PbxSimProcess sim;
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    out.clear();
+    startAt("23:59:58", {"--tcp", tcp(sim), script("WAIT STS1   101 3\r\n;\r\n")});
+    EXPECT_EQ(finish(30'000), 0) << err.toStdString();
+    EXPECT_TRUE(outLines().contains("Time expired.  Did not receive--> sts1"));
+}
+
+TEST_F(Lasting, WaitsKeepTheirLengthPastTheFirstDay) {
+    // 9,000 waits of nine seconds, each timing out, and the pauses between them, are more than
+    // a virtual day.
+    start({"--dry-run", script(repeated("WAIT STS1   101 9\r\n", 9000))});
+    EXPECT_EQ(finish(), 0) << err.toStdString();
+    EXPECT_EQ(outLines().count("Time expired.  Did not receive--> sts1"), 9000);
+}
+
+TEST_F(Lasting, OneSignalEndsAnyWaitAndTheReportsAreWritten) {
+    PbxSimProcess sim({"--on-frame", "silent"});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    const struct {
+        const char* name;
+        int signal;
+        QByteArray script;
+        const char* waitingAfter; // the log line after which the run waits
+        int status;
+    } cases[] = {
+        {"SIGINT in a wait without limit", SIGINT, "WAIT STS1   101 0\r\nCHK1   101\r\n;\r\n",
+         "waiting for --> sts1", 130},
+        {"SIGTERM in a check-out the PBX never answers", SIGTERM, "CHK0   101\r\n;\r\n",
+         "Sending   -->CHK0   101", 130},
+        {"SIGHUP: the SSH session dropped", SIGHUP, "WAIT STS1   101 0\r\n;\r\n",
+         "waiting for --> sts1", 129},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        out.clear();
+        err.clear();
+        const QString junit = home.filePath("report.xml");
+        const QString log = home.filePath("run.log");
+        const QString errors = home.filePath("errors.txt");
+        QFile::remove(junit);
+        start({"--tcp", tcp(sim), "--junit", junit, "--save-log", log, "--error-report", errors,
+               script(c.script)});
+        ASSERT_TRUE(waitUntil([&] { return out.contains(c.waitingAfter); }, 10'000))
+            << out.toStdString();
+        ::kill(pid_t(run.processId()), c.signal);
+        // Without a wait that ends at once, the check-out would take its 25 s of retries.
+        EXPECT_EQ(finish(10'000), c.status) << err.toStdString();
+        EXPECT_TRUE(QFile::exists(junit));
+        EXPECT_TRUE(QFile(log).size() > 0);
+        EXPECT_TRUE(QFile::exists(errors));
+    }
+}
+
+TEST_F(Lasting, AClosedStandardOutputOnlyStopsTheTrafficLog) {
+    const QString junit = home.filePath("report.xml");
+    startPipedInto("head -3", {"--dry-run", "--junit", junit,
+                               script(repeated("CHK1   101\r\nCHK0   101\r\n", 50))});
+    EXPECT_EQ(finish(), 0) << err.toStdString();
+    EXPECT_EQ(outLines().size(), 3);
+    EXPECT_TRUE(err.contains("standard output is closed")) << err.toStdString();
+    EXPECT_TRUE(err.contains("Script file completed"));
+    QFile report(junit);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(report.readAll().contains("tests=\"100\""));
+}
+
+TEST_F(Lasting, WhatCannotBeWrittenWholeIsNamedAndEndsWithItsOwnStatus) {
+    const QByteArray refused = "CHK1   101\r\nCHK0   101\r\n;\r\n";
+    const struct {
+        QStringList options;
+        const char* named;
+    } cases[] = {
+        {{}, "cannot write the traffic log on standard output: No space left on device"},
+        {{"--save-log", "/dev/full"}, "cannot write the log file /dev/full: No space left"},
+        {{"--error-report", "/dev/full"}, "cannot write the error report /dev/full: No space"},
+        {{"--trace", "/dev/full"}, "cannot write the trace /dev/full: No space left"},
+        {{"--junit", "/dev/full"}, "cannot write the JUnit report /dev/full: No space left"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.named);
+        out.clear();
+        err.clear();
+        run.setStandardOutputFile(c.options.isEmpty() ? "/dev/full" : "/dev/null");
+        start(QStringList{"--dry-run"} + c.options +
+              QStringList{script(refused), "--on-frame", "nak"});
+        EXPECT_EQ(finish(), 5) << err.toStdString();
+        EXPECT_TRUE(err.contains(c.named)) << err.toStdString();
+    }
+}
+
+TEST_F(Lasting, ACheckThatCannotBeWrittenWholeEndsWithItsOwnStatus) {
+    run.setStandardOutputFile("/dev/full");
+    start({"--check", script("CHK1   101\r\n;\r\n")});
+    EXPECT_EQ(finish(), 5);
+    EXPECT_TRUE(err.contains("cannot write the check on standard output: No space left"))
+        << err.toStdString();
+}
+
+// Runs the built simulator on an ephemeral port with its standard output on a pipe, reads the
+// line that names the port, and closes the pipe, as `larkspur-pbxsim | head -1` does. The
+// simulator's pid, or -1.
+pid_t simulatorWithClosedOutput(quint16& port) {
+    int out[2];
+    if (::pipe(out) != 0)
+        return -1;
+    const QByteArray program = QFile::encodeName(PbxSimProcess::program());
+    char* argv[] = {const_cast<char*>(program.constData()), const_cast<char*>("--listen"),
+                    const_cast<char*>("127.0.0.1:0"), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
+    posix_spawn_file_actions_addclose(&actions, out[0]);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    pid_t pid = -1;
+    const int spawned = posix_spawn(&pid, program.constData(), &actions, nullptr, argv, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(out[1]);
+    QByteArray first;
+    char c = 0;
+    while (spawned == 0 && ::read(out[0], &c, 1) == 1 && c != '\n')
+        first += c;
+    ::close(out[0]);
+    port = quint16(first.mid(first.lastIndexOf(':') + 1).toUInt());
+    return spawned == 0 && port != 0 ? pid : -1;
+}
+
+TEST_F(Lasting, TheSimulatorOutlivesItsClosedStandardOutput) {
+    quint16 port = 0;
+    const pid_t sim = simulatorWithClosedOutput(port);
+    ASSERT_GT(sim, 0);
+    for (int round = 0; round < 2; ++round) {
+        start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(port), script("CHK1   101\r\n;\r\n")});
+        EXPECT_EQ(finish(), 0) << err.toStdString();
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(sim, &status, WNOHANG), 0) << "the simulator ended";
+    ::kill(sim, SIGTERM);
+    ::waitpid(sim, &status, 0);
+}
+
+// The peak resident memory of a dry run of `script` with every report on, in kilobytes.
+long peakKilobytesPlaying(const QString& script, const QString& home) {
+    const QByteArray program = LARKSPUR_RUN_PATH;
+    const QByteArray path = QFile::encodeName(script);
+    QList<QByteArray> args = {program, "--dry-run"};
+    for (const char* report : {"--junit", "--save-log", "--error-report", "--trace"})
+        args << report << QFile::encodeName(home + "/" + (report + 2));
+    args << path << "--after"
+         << "CHK1"
+         << "1.5"
+         << "STS2   101";
+    std::vector<char*> argv;
+    for (QByteArray& a : args)
+        argv.push_back(a.data());
+    argv.push_back(nullptr);
+    const QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
+    std::vector<char*> env = {const_cast<char*>(homeVariable.constData()), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    pid_t pid = 0;
+    const int spawned =
+        posix_spawn(&pid, program.constData(), &actions, nullptr, argv.data(), env.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0)
+        return -1;
+    int status = 0;
+    rusage usage{};
+    if (::wait4(pid, &status, 0, &usage) != pid || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return -1;
+    return usage.ru_maxrss;
+}
+
+TEST_F(Lasting, ThreeThousandRoundsCostNoMoreMemoryThanTen) {
+#ifdef LARKSPUR_SANITIZE
+    GTEST_SKIP() << "the sanitizers' shadow memory would count in";
+#endif
+    const QByteArray round =
+        "CHK1   101\r\nWAIT STS2   101 5\r\nNAM1 Smith                  101\r\n"
+        "MW 1   101\r\nLMT1   101   500\r\nWKP0730  101\r\nSTE0   101   102\r\n"
+        "CHK0   101\r\n";
+    const long ten = peakKilobytesPlaying(file("ten.txt", repeated(round, 10)), home.path());
+    const long thousand =
+        peakKilobytesPlaying(file("thousand.txt", repeated(round, 3000)), home.path());
+    ASSERT_GT(ten, 0);
+    ASSERT_GT(thousand, 0);
+    // The script itself is 100 KB; everything per command goes to the report files.
+    EXPECT_LE(thousand - ten, 2 * 1024)
+        << "10 rounds " << ten << " KB, 1000 rounds " << thousand << " KB";
+}
+
+} // namespace

@@ -1,0 +1,117 @@
+// What a week-long run keeps: nothing per line or per record where the player streams them, and
+// statistics bounded by the time-outs.
+#include "core/streamed_file.h"
+#include "records/error_records.h"
+#include "records/log_files.h"
+#include "records/log_view_list.h"
+#include "records/run_statistics.h"
+#include "records/traffic_log.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace larkspur;
+
+namespace {
+
+class Collecting : public TrafficDisplay {
+public:
+    QString text;
+    void insertAtEnd(const QString& t, bool) override { text += t; }
+    void clear() override {}
+};
+
+TEST(LastingRecords, ATrafficLogThatKeepsNoHistoryStillShowsEverything) {
+    TrafficLog log;
+    Collecting display;
+    log.setDisplay(&display);
+    log.keepHistory(false);
+    for (int i = 0; i < 1000; ++i)
+        log.logLine(QStringLiteral("Received--> ACK"));
+    EXPECT_EQ(display.text.size(), 1000 * 17);
+    EXPECT_EQ(log.viewerList().size(), 0);
+    EXPECT_TRUE(log.logText().isEmpty());
+    EXPECT_EQ(log.logCaret(), 1000 * 17) << "a leading backspace still has a last character";
+}
+
+TEST(LastingRecords, AStreamedLogFileHoldsTheLinesASavedOneDoes) {
+    const QString logged[] = {"Connected...\r\n", "two\r\nlines\r\n", "no line end", "x", "\r\n"};
+    TrafficLog log;
+    QByteArray streamed;
+    for (const QString& text : logged) {
+        QString cleaned = text;
+        log.ShowDebug(cleaned);
+        streamed += logFileLine(cleaned);
+    }
+    QTemporaryDir dir;
+    const QString path = dir.filePath("saved.log");
+    ASSERT_TRUE(saveLogFile(path, log.viewerList()));
+    QFile saved(path);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(streamed, saved.readAll());
+}
+
+TEST(LastingRecords, ErrorsAreCountedPastTheSixteenBitWrap) {
+    ErrorRecords errors;
+    errors.keepReport(false);
+    int announced = 0;
+    QObject::connect(&errors, &ErrorRecords::errorRecorded, [&] { ++announced; });
+    for (int i = 0; i < 65536; ++i)
+        errors.recordError(QStringLiteral("failed\n"), true);
+    EXPECT_EQ(errors.errorCount(), 0) << "the count the console shows wraps as it always did";
+    EXPECT_EQ(errors.countedSinceReset(), 65536);
+    EXPECT_EQ(announced, 65536);
+    EXPECT_TRUE(errors.errorReport().isEmpty());
+    errors.resetErrors();
+    EXPECT_EQ(errors.countedSinceReset(), 0);
+}
+
+TEST(LastingRecords, StatisticsAreExactAndBounded) {
+    const struct {
+        QList<qint64> answers;
+        qint64 min, median, max;
+    } cases[] = {
+        {{}, -1, -1, -1},        {{7}, 7, 7, 7},          {{5, 1, 3}, 1, 3, 5},
+        {{4, 1, 3, 2}, 1, 3, 4}, {{2, 2, 2, 9}, 2, 2, 9},
+    };
+    for (const auto& c : cases) {
+        RunStatistics statistics;
+        statistics.add({QStringLiteral("check-in"), ExchangeEvent::Outcome::TimedOut, -1});
+        for (const qint64 ms : c.answers)
+            statistics.add({QStringLiteral("check-in"), ExchangeEvent::Outcome::Acknowledged, ms});
+        const RunStatistics::Row& row = statistics.rows().value(QStringLiteral("check-in"));
+        EXPECT_EQ(QList<qint64>({row.minMs(), row.medianMs(), row.maxMs()}),
+                  QList<qint64>({c.min, c.median, c.max}));
+    }
+    RunStatistics week;
+    for (int i = 0; i < 1'000'000; ++i)
+        week.add({QStringLiteral("ENQ"), ExchangeEvent::Outcome::Acknowledged, i % 50});
+    const RunStatistics::Row& row = week.rows().value(QStringLiteral("ENQ"));
+    EXPECT_EQ(row.answerMs.size(), 50u) << "one entry per answer time, not per answer";
+    EXPECT_EQ(row.sent, 1'000'000);
+    EXPECT_EQ(row.medianMs(), 25);
+}
+
+TEST(LastingRecords, AStreamedFileSaysWhenItCouldNotBeWrittenWhole) {
+    StreamedFile full;
+    ASSERT_TRUE(full.open(QStringLiteral("/dev/full")));
+    EXPECT_FALSE(full.write("line\r\n"));
+    EXPECT_TRUE(full.failed());
+    EXPECT_EQ(full.error(), "No space left on device");
+    EXPECT_FALSE(full.write("more\r\n")) << "nothing is written after a failure";
+    EXPECT_FALSE(full.close());
+
+    QTemporaryDir dir;
+    StreamedFile whole;
+    EXPECT_FALSE(whole.open(dir.filePath("no/such/folder/x")));
+    EXPECT_FALSE(whole.error().isEmpty());
+    ASSERT_TRUE(whole.open(dir.filePath("x")));
+    EXPECT_TRUE(whole.write("a") && whole.write("b"));
+    EXPECT_TRUE(whole.close());
+    QFile written(dir.filePath("x"));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "ab");
+}
+
+} // namespace

@@ -198,8 +198,10 @@ int HeadlessRun::exec() {
 
 int HeadlessRun::play(const ScriptText& script) {
     m_session.log.setDisplay(&m_display);
-    QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
-    loadLinkSettings(store, m_session.link);
+    if (!m_options.noSettings) {
+        QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
+        loadLinkSettings(store, m_session.link);
+    }
     applyOptions(m_options, m_session, script);
     m_engine.Continuous = m_options.continuous;
     QObject::connect(&m_session.link, &Link::linkLost,

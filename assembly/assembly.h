@@ -1,8 +1,7 @@
 #pragma once
 
 #include "core/qt_event_pump.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
+#include "link/real_transports.h"
 #include "records/run_statistics.h"
 #include "records/wire_trace.h"
 #include "script/script_engine.h"
@@ -39,8 +38,8 @@ Q_SIGNALS:
 // The real pump and transports of a program, made before the assembly that uses them.
 struct RealLinks {
     QtEventPump pump;
-    TcpTransport tcp;
-    SerialTransport serial;
+    RealTcpTransport tcp;
+    RealSerialTransport serial;
 };
 
 // A program's engine on the real pump and transports.

@@ -2,8 +2,7 @@
 
 // A console engine for benchmarks: the real Qt pump and transports, no window, notices dropped.
 #include "core/qt_event_pump.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
+#include "link/real_transports.h"
 #include "quiet_operator.h"
 #include "transactions/session.h"
 
@@ -12,8 +11,8 @@ namespace bench {
 struct Console {
     larkspur::QtEventPump pump;
     QuietOperator op;
-    larkspur::TcpTransport tcp;
-    larkspur::SerialTransport serial;
+    larkspur::RealTcpTransport tcp;
+    larkspur::RealSerialTransport serial;
     larkspur::Session session{pump, op, tcp, serial};
 };
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a build into a temporary prefix and checks what lands there: the programs, the
-# desktop entry and icons, the examples and the guide, and manual pages that render without
-# warnings, carry the project's version and name every option of their program's --help.
+# desktop entry and icons, the examples and the guide, the copyright file and changelog, and
+# manual pages that render without warnings, carry the project's version and name every
+# option of their program's --help.
 #   check_install.sh BUILD_DIR SOURCE_DIR VERSION
 set -euo pipefail
 build=$1 source=$2 version=$3
@@ -36,9 +37,15 @@ fi
 file -b "$prefix/share/icons/hicolor/64x64/apps/larkspur.png" | grep -q '64 x 64' ||
     fail "the PNG icon is not 64x64"
 
-if command -v desktop-file-validate >/dev/null; then
-    out=$(desktop-file-validate "$prefix/share/applications/larkspur.desktop" 2>&1) ||
-        fail "desktop entry: $out"
+# The licence notice, and a release history whose latest entry is this version.
+grep -q '^License: Apache-2.0$' "$prefix/share/doc/larkspur/copyright" 2>/dev/null ||
+    fail "share/doc/larkspur/copyright is missing or names no Apache-2.0 licence"
+changelog="$prefix/share/doc/larkspur/changelog.gz"
+if [ -s "$changelog" ]; then
+    zcat "$changelog" | head -1 | grep -q "^larkspur ($version) " ||
+        fail "changelog.gz does not begin with an entry for $version"
+else
+    fail "share/doc/larkspur/changelog.gz is missing"
 fi
 
 for page in larkspur larkspur-run larkspur-pbxsim; do
@@ -68,4 +75,4 @@ if [ "$failures" -ne 0 ]; then
     echo "$failures failure(s)"
     exit 1
 fi
-echo "install tree, manual pages and desktop entry are complete"
+echo "install tree, manual pages, copyright and changelog are complete"

@@ -184,10 +184,12 @@ int HeadlessRun::play(const ScriptText& script) {
     m_session.errors.keepReport(false);
     m_outputs.follow(m_session.errors, m_console.trace);
 
-    QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
-    const QString settingsProblem = loadLinkSettings(store, m_session.link);
-    if (!settingsProblem.isEmpty())
-        printNotice(settingsProblem);
+    if (!m_options.noSettings) {
+        QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
+        const QString settingsProblem = loadLinkSettings(store, m_session.link);
+        if (!settingsProblem.isEmpty())
+            printNotice(settingsProblem);
+    }
     applyOptions(m_options, m_session, script);
     m_engine.Continuous = m_options.continuous;
     QObject::connect(&m_session.link, &Link::linkLost,

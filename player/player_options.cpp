@@ -14,7 +14,8 @@ QString playerUsage() {
         "usage: larkspur-run [--tcp HOST:PORT | --serial PORT] [--line SPEED,PARITY,DATA,STOP]\n"
         "                    [--dtr] [--rts] [--null-discard] [--mode HOTEL|VMAIL]\n"
         "                    [--protocol HYATT|HIS] [--error-mode] [--continuous]\n"
-        "                    [--connect-timeout SECONDS] [--frame-gap MS] [--save-log FILE]\n"
+        "                    [--connect-timeout SECONDS] [--frame-gap MS] [--no-settings]\n"
+        "                    [--save-log FILE]\n"
         "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n"
         "       larkspur-run --check [--json] SCRIPT\n"
         "       larkspur-run --dry-run [OPTIONS] SCRIPT [--on-enq ANSWERS] [--on-frame ANSWERS]\n"
@@ -31,6 +32,9 @@ output, notices and the run statistics on standard error.
   --frame-gap MS how long the line must be silent before a frame whose end never came is
                  taken as it stands (default: the longer of 100 ms and 20 character times
                  at the line's speed; the window's setting Link/FrameGapMs when it is set)
+  --no-settings  ignore the settings the window stored: what the options leave open is the
+                 first-run default (TCP 127.0.0.1:15374, line 1200,N,8,2), so the same
+                 command runs the same on every machine, as in CI
   --check        read SCRIPT as the runner does and print, without opening any link, each
                  command it will reach with its fields and columns, then what will not play
                  as written; exit 0 clean, 1 with warnings, 3 when the run would stop
@@ -168,6 +172,8 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
                 return std::nullopt;
             }
             o.frameGapMs = ms;
+        } else if (a == u"--no-settings") {
+            o.noSettings = true;
         } else if (a == u"--save-log") {
             if (!value(o.saveLog))
                 return std::nullopt;

@@ -10,7 +10,8 @@
 
 namespace larkspur {
 
-// The command line of the headless player. Unset options keep the stored settings.
+// The command line of the headless player. Unset options keep the stored settings, or the
+// defaults with --no-settings.
 struct PlayerOptions {
     std::optional<QString> tcpHost;
     std::optional<QString> tcpPort;
@@ -25,6 +26,9 @@ struct PlayerOptions {
     bool continuous = false;
     double connectTimeoutSeconds = 30;
     std::optional<int> frameGapMs; // --frame-gap
+    // --no-settings: the window's stored settings are not read, so a run depends on its
+    // command line alone.
+    bool noSettings = false;
     QString saveLog;
     QString errorReport;
     QString junit;

@@ -3,7 +3,7 @@
 #include "core/host_port.h"
 #include "protocol/readable_notation.h"
 #include "sim/pbx_session.h"
-#include "sim/pty_peer.h"
+#include "sim/pseudo_terminal.h"
 #include "sim/tcp_peer.h"
 #include "sim/tracer.h"
 
@@ -39,11 +39,9 @@ bool PbxSimulator::start(QString* error) {
                         endpoint(m_server.serverAddress(), m_server.serverPort()));
     }
     if (m_options.pty) {
-        m_pty = std::make_unique<PtyPeer>();
-        if (!m_pty->open(m_options.ptyLink, error)) {
-            m_pty.reset();
+        m_pty = openPseudoTerminal(m_options.ptyLink, error);
+        if (!m_pty)
             return false;
-        }
         m_tracer.status(QStringLiteral("pty ") + m_pty->slavePath());
         if (!m_options.ptyLink.isEmpty())
             m_tracer.status(

@@ -11,7 +11,7 @@
 namespace larkspur::sim {
 
 class PbxSession;
-class PtyPeer;
+class PseudoTerminal;
 class TcpPeer;
 class Tracer;
 
@@ -49,7 +49,7 @@ private:
     QTcpServer m_server;
     TcpPeer* m_tcpPeer = nullptr; // a child of this, deleted later: it is in its own signal
     std::unique_ptr<PbxSession> m_tcpSession;
-    std::unique_ptr<PtyPeer> m_pty;
+    std::unique_ptr<PseudoTerminal> m_pty;
     std::unique_ptr<PbxSession> m_ptySession;
 };
 

@@ -25,7 +25,14 @@ bool retryLater() {
 
 } // namespace
 
-PtyPeer::PtyPeer(QObject* parent) : Peer(parent) {}
+std::unique_ptr<PseudoTerminal> openPseudoTerminal(const QString& link, QString* error) {
+    auto pty = std::make_unique<PtyPeer>();
+    if (!pty->open(link, error))
+        return nullptr;
+    return pty;
+}
+
+PtyPeer::PtyPeer(QObject* parent) : PseudoTerminal(parent) {}
 
 PtyPeer::~PtyPeer() {
     m_readable.reset();

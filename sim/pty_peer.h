@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/peer.h"
+#include "sim/pseudo_terminal.h"
 
 #include <QString>
 
@@ -10,9 +10,9 @@ class QSocketNotifier;
 
 namespace larkspur::sim {
 
-// A pseudo-terminal for a console on a serial port. The simulator holds the master; the
-// console opens the slave's path like any serial device.
-class PtyPeer : public Peer {
+// The POSIX pseudo-terminal. The simulator holds the master; the console opens the slave's
+// path like any serial device.
+class PtyPeer : public PseudoTerminal {
     Q_OBJECT
 public:
     explicit PtyPeer(QObject* parent = nullptr);
@@ -22,7 +22,7 @@ public:
     // (replacing an older symlink, never any other file). False with a reason in `error`.
     bool open(const QString& link, QString* error);
 
-    QString slavePath() const { return m_slavePath; }
+    QString slavePath() const override { return m_slavePath; }
 
     bool write(const QByteArray& bytes) override;
 

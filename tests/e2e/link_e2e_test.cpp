@@ -3,8 +3,7 @@
 #include "common/recording_operator.h"
 #include "core/qt_event_pump.h"
 #include "link/link.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
+#include "link/real_transports.h"
 #include "records/traffic_log.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +18,8 @@ protected:
     QtEventPump pump;
     TrafficLog log;
     RecordingOperator op;
-    TcpTransport tcp;
-    SerialTransport serial;
+    RealTcpTransport tcp;
+    RealSerialTransport serial;
     Link link{pump, log, op, tcp, serial};
 
     QStringList lines() const {

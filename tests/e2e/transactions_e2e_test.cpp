@@ -3,8 +3,7 @@
 #include "common/pbxsim_process.h"
 #include "common/recording_operator.h"
 #include "core/qt_event_pump.h"
-#include "link/serial_transport.h"
-#include "link/tcp_transport.h"
+#include "link/real_transports.h"
 #include "transactions/session.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +17,8 @@ class TransactionsEndToEnd : public ::testing::Test {
 protected:
     QtEventPump pump;
     RecordingOperator op;
-    TcpTransport tcp;
-    SerialTransport serial;
+    RealTcpTransport tcp;
+    RealSerialTransport serial;
     Session session{pump, op, tcp, serial};
 
     void connectTo(const PbxSimProcess& sim) {

@@ -24,6 +24,7 @@ TEST(PlayerOptions, ReadsEveryOption) {
                                        "--continuous",
                                        "--connect-timeout",
                                        "2.5",
+                                       "--no-settings",
                                        "--save-log",
                                        "a.log",
                                        "--error-report",
@@ -36,7 +37,8 @@ TEST(PlayerOptions, ReadsEveryOption) {
     EXPECT_EQ(*o->tcpHost, "pbx.lab");
     EXPECT_EQ(*o->tcpPort, "2001");
     EXPECT_EQ(*o->line, "9600,E,7,1");
-    EXPECT_TRUE(o->dtr && o->rts && o->nullDiscard && o->errorMode && o->continuous);
+    EXPECT_TRUE(o->dtr && o->rts && o->nullDiscard && o->errorMode && o->continuous &&
+                o->noSettings);
     EXPECT_EQ(*o->mode, PmsMode::Vmail);
     EXPECT_EQ(*o->protocol, Protocol::His);
     EXPECT_DOUBLE_EQ(o->connectTimeoutSeconds, 2.5);

@@ -75,6 +75,10 @@ TEST_F(PlayerHostile, RefusesWhatIsNoScript) {
 }
 
 TEST_F(PlayerHostile, SignalWhileTheScriptIsOpenedEndsWith130) {
+#ifdef LARKSPUR_PORTABLE
+    GTEST_SKIP() << "cutting a blocked open short takes POSIX signals; where there are none, "
+                    "there are no FIFOs either";
+#endif
     const QString fifo = home.filePath("nobody-writes");
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
     start({"--tcp", "127.0.0.1:1", fifo});

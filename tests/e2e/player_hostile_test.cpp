@@ -1,5 +1,6 @@
 // larkspur-run when reality leans on it: scripts that are pipes, FIFOs, devices or huge; a PBX
 // that hangs up; reports that cannot be written. Every way out ends cleanly, reports written.
+#include "common/peak_memory.h"
 #include "common/player_fixture.h"
 
 #include <QFile>
@@ -10,11 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 extern char** environ;
@@ -216,32 +213,8 @@ TEST_F(PlayerHostile, CheckInTakenOnAStaleAckFailsInJunit) {
 
 // The peak resident memory of larkspur-run reading `script` (it then finds no PBX and exits 2).
 long peakKilobytesReading(const QString& script, const QString& home) {
-    const QByteArray program = LARKSPUR_RUN_PATH;
-    const QByteArray path = QFile::encodeName(script);
-    char* argv[] = {const_cast<char*>(program.constData()),
-                    const_cast<char*>("--tcp"),
-                    const_cast<char*>("127.0.0.1:1"),
-                    const_cast<char*>("--connect-timeout"),
-                    const_cast<char*>("0.1"),
-                    const_cast<char*>(path.constData()),
-                    nullptr};
-    const QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
-    std::vector<char*> env = {const_cast<char*>(homeVariable.constData()),
-                              const_cast<char*>("QT_QPA_PLATFORM=offscreen"), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, program.constData(), &actions, nullptr, argv, env.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
-        return -1;
-    int status = 0;
-    rusage usage{};
-    if (::wait4(pid, &status, 0, &usage) != pid || !WIFEXITED(status) || WEXITSTATUS(status) != 2)
-        return -1;
-    return usage.ru_maxrss;
+    return peakKilobytesOfRun(
+        {"--tcp", "127.0.0.1:1", "--connect-timeout", "0.1", QFile::encodeName(script)}, home, 2);
 }
 
 TEST_F(PlayerHostile, ReadingABigScriptCostsAtMostThreeTimesItsSize) {

@@ -1,5 +1,6 @@
 // larkspur-run as nightly jobs and week-long soaks use it: across midnight, through signals
 // and a closed standard output, onto a full disk, and at a flat footprint.
+#include "common/peak_memory.h"
 #include "common/player_fixture.h"
 
 #include <QFile>
@@ -8,10 +9,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 using namespace larkspur::test;
 
@@ -176,36 +175,14 @@ TEST_F(Lasting, TheSimulatorOutlivesItsClosedStandardOutput) {
 
 // The peak resident memory of a dry run of `script` with every report on, in kilobytes.
 long peakKilobytesPlaying(const QString& script, const QString& home) {
-    const QByteArray program = LARKSPUR_RUN_PATH;
-    const QByteArray path = QFile::encodeName(script);
-    QList<QByteArray> args = {program, "--dry-run"};
+    QList<QByteArray> arguments = {"--dry-run"};
     for (const char* report : {"--junit", "--save-log", "--error-report", "--trace"})
-        args << report << QFile::encodeName(home + "/" + (report + 2));
-    args << path << "--after"
-         << "CHK1"
-         << "1.5"
-         << "STS2   101";
-    std::vector<char*> argv;
-    for (QByteArray& a : args)
-        argv.push_back(a.data());
-    argv.push_back(nullptr);
-    const QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
-    std::vector<char*> env = {const_cast<char*>(homeVariable.constData()), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned =
-        posix_spawn(&pid, program.constData(), &actions, nullptr, argv.data(), env.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
-        return -1;
-    int status = 0;
-    rusage usage{};
-    if (::wait4(pid, &status, 0, &usage) != pid || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return -1;
-    return usage.ru_maxrss;
+        arguments << report << QFile::encodeName(home + "/" + (report + 2));
+    arguments << QFile::encodeName(script) << "--after"
+              << "CHK1"
+              << "1.5"
+              << "STS2   101";
+    return peakKilobytesOfRun(arguments, home, 0);
 }
 
 TEST_F(Lasting, ThreeThousandRoundsCostNoMoreMemoryThanTen) {

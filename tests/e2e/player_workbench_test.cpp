@@ -2,7 +2,6 @@
 // simulator inside the process as it plays against the real one.
 #include "common/player_fixture.h"
 
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -137,18 +136,16 @@ TEST_F(Player, DryRunRehearsesFailures) {
     }
 }
 
-TEST_F(Player, DryRunOfAThousandCommandsTakesWellUnderASecond) {
-    // 1,000 commands: 1,000 s of pacing and 2,000 answers of 0.2 s each, in virtual time.
+TEST_F(Player, DryRunPlaysAThousandCommandsInVirtualTime) {
+    // 1,000 commands: 1,000 s of pacing and 2,000 answers of 0.2 s each, in virtual time (how
+    // fast is measured in bench/, not here).
     QByteArray commands;
     for (int i = 0; i < 1000; ++i)
         commands += (i % 2 ? "CHK0 " : "CHK1 ") +
                     QByteArray::number(100 + i % 400).rightJustified(5) + "\r\n";
-    QElapsedTimer clock;
-    clock.start();
     start(
         {"--dry-run", "--tcp", "127.0.0.1:9", script(commands + ";\r\n"), "--answer-delay", "0.2"});
     EXPECT_EQ(finish(), 0) << err.toStdString();
-    EXPECT_LT(clock.elapsed(), 1000);
     EXPECT_EQ(out.count("Received--> ACK"), 2001); // the connection test's and two a command
 }
 

@@ -104,7 +104,7 @@ QString fieldLabel(const ScriptStep& step, qsizetype index, bool vmail) {
 }
 
 QString waitDescription(const ScriptStep& step) {
-    QString digit = step.digit;
+    const QString digit = waitDigit(step.digit);
     const int seconds = waitSeconds(digit);
     QString time =
         seconds == 0 ? QStringLiteral("no time limit") : QStringLiteral("up to %1 s").arg(seconds);

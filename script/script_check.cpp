@@ -202,7 +202,7 @@ ScriptCheck Checker::run() {
             find(Level::Stop, QStringLiteral("unrecognized"), row.line,
                  QStringLiteral("%1 is no command the runner knows: the run stops here with "
                                 "\"Command: %2\"")
-                     .arg(quoted(step.word), toReadable(step.stopCommand.toLatin1())));
+                     .arg(quoted(step.word), step.stopCommand));
         } else if (step.kind == Kind::PassedOver) {
             passedOver(step, row);
         } else {

@@ -11,25 +11,37 @@
 
 namespace larkspur {
 
+namespace {
+// The script text, read and then free of the file's bytes, so only one copy is held.
+ScriptText readText(ScriptFile file) {
+    const QByteArray bytes = std::move(file.bytes);
+    return readScript(bytes);
+}
+} // namespace
+
 int checkHeadless(const PlayerOptions& options) {
-    const ScriptFile file = readScriptFile(options.script);
+    ScriptFile file = readScriptFile(options.script);
     if (file.status != ScriptFile::Status::Read) {
         std::fprintf(stderr, "larkspur-run: cannot read %s: %s\n", qPrintable(options.script),
                      qPrintable(file.error));
         return file.status == ScriptFile::Status::Interrupted ? exitcode::interrupted
                                                               : exitcode::badScript;
     }
-    const ScriptCheck check = checkScript(readScript(file.bytes));
-    const QByteArray report = options.json ? checkReportJson(options.script, check)
-                                           : checkReportText(options.script, check).toLatin1();
-    std::fwrite(report.constData(), 1, size_t(report.size()), stdout);
+    const ScriptText script = readText(std::move(file));
+    const CheckOptions checkOptions{.errorMode = options.errorMode};
+    const ReportOutput out = [](const QByteArray& bytes) {
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    };
+    const CheckVerdict verdict =
+        options.json ? writeCheckReportJson(out, options.script, script, checkOptions)
+                     : writeCheckReportText(out, options.script, script, checkOptions);
     std::fflush(stdout);
-    switch (check.verdict()) {
-    case ScriptCheck::Verdict::Clean:
+    switch (verdict) {
+    case CheckVerdict::Clean:
         return exitcode::ok;
-    case ScriptCheck::Verdict::Warnings:
+    case CheckVerdict::Warnings:
         return exitcode::checkWarnings;
-    case ScriptCheck::Verdict::Stops:
+    case CheckVerdict::Stops:
         break;
     }
     return exitcode::badScript;

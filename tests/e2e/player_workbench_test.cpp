@@ -243,6 +243,19 @@ TEST_F(Player, DryRunRehearsesFailures) {
     }
 }
 
+TEST_F(Player, ACommandThatSendsNothingForAnInvalidFieldFailsInJunit) {
+    const QString junit = home.filePath("r.xml");
+    start({"--dry-run", "--tcp", "127.0.0.1:9", "--junit", junit,
+           script("CHK1   101\r\nWKP0799  101\r\n;\r\n")});
+    EXPECT_EQ(finish(), 0) << "no transaction failed: the status follows the error count\n"
+                           << err.toStdString();
+    QFile report(junit);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QByteArray xml = report.readAll();
+    EXPECT_TRUE(xml.contains("tests=\"2\" failures=\"1\"")) << xml.toStdString();
+    EXPECT_TRUE(xml.contains("message=\"Invalid Time!\"")) << xml.toStdString();
+}
+
 TEST_F(Player, DryRunOfAThousandCommandsTakesWellUnderASecond) {
     // 1,000 commands: 1,000 s of pacing and 2,000 answers of 0.2 s each, in virtual time.
     QByteArray commands;

@@ -1,5 +1,7 @@
 #include "common/session_fixture.h"
 
+#include <QSignalSpy>
+
 using namespace larkspur;
 using namespace larkspur::test;
 using sim::Answer;
@@ -291,10 +293,24 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
     for (const Case& c : cases) {
         restart();
         session.chooseRestriction("option 3");
+        QSignalSpy refusedFields(&session, &Session::fieldRefused);
+        QSignalSpy refusedPress(&session, &Session::pressRefused);
         click(c.fields, c.action);
         EXPECT_EQ(lines(), c.log);
         EXPECT_TRUE(tcp.written.isEmpty());
+        // Each line is a refused field; the press that sent nothing tells them all once.
+        EXPECT_EQ(refusedFields.size(), c.log.size());
+        ASSERT_EQ(refusedPress.size(), 1);
+        EXPECT_EQ(refusedPress[0][0].toString(), c.log.join('\n'));
     }
+}
+
+TEST_F(HotelTransactions, APressThatSendsIsNoRefusal) {
+    QSignalSpy refusedPress(&session, &Session::pressRefused);
+    // The first room is too long and skipped without a word; the second goes out.
+    click({{txt_suite_1, "123456"}, {txt_suite_3, "103"}}, &Session::cmd_chk_in);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK1   103")}));
+    EXPECT_TRUE(refusedPress.isEmpty());
 }
 
 TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {

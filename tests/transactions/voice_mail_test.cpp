@@ -135,10 +135,13 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
     };
     for (const Case& c : cases) {
         restart();
+        QSignalSpy refused(&session, &Session::pressRefused);
         click(c.fields, c.action);
         EXPECT_EQ(op.notices, QStringList{c.notice});
         EXPECT_TRUE(tcp.written.isEmpty());
         EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+        ASSERT_EQ(refused.size(), 1);
+        EXPECT_EQ(refused[0][0].toString(), c.notice);
     }
 }
 

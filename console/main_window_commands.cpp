@@ -149,7 +149,9 @@ void MainWindow::checkScript() {
             m_runner.run([this, p] { m_engine.runScriptFile(p); });
         });
     }
-    m_checkDialog->showCheck(path, larkspur::checkScript(readScript(file.bytes)));
+    // Checked as the window's Error Mode will send it.
+    m_checkDialog->showCheck(
+        path, larkspur::checkScript(readScript(file.bytes), {.errorMode = m_session.errorMode()}));
     // It runs as Run Script does, and only when Run Script could.
     m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
     m_checkDialog->show();

@@ -9,6 +9,12 @@
 //           run is stopped as closing the window does (stop request and CANCEL) rather than
 //           with CANCEL alone, bit 3 the clock starts ten seconds before midnight
 //
+// The check must tell the run's truth: for every command the run plays, the check's row lists
+// the lines the transaction logs for refused fields and the messages it sends (when the PBX
+// takes each, with no message of its own in between); a row it calls clean is played without a
+// refusal and sends the fields the check read, in their columns; a row it says is not as
+// written is one where the run refuses a field, sends nothing, or sends something else.
+//
 // A replay is bounded: after maxCommands commands or stopAfterMs of virtual time the harness
 // presses CANCEL (again after each command and every virtual second, since each
 // expected-message wait clears it). A Continuous script starts over for ever otherwise; that is
@@ -25,6 +31,7 @@
 #include "script/script_reader.h"
 #include "transactions/session.h"
 
+#include <algorithm>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -86,6 +93,84 @@ void checkRead(const ScriptText& script) {
         position += line.size() + 2;
     }
     FUZZ_CHECK(script.fileLineAt(position) == 0, "the ETX stands on no line");
+}
+
+// The lines of the file as the reader splits them: at CR LF, CR or LF.
+QList<QByteArray> fileLines(const QByteArray& bytes) {
+    QList<QByteArray> lines;
+    qsizetype begin = 0;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] != '\r' && bytes[i] != '\n')
+            continue;
+        lines << bytes.mid(begin, i - begin);
+        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+            ++i;
+        begin = i + 1;
+    }
+    if (begin < bytes.size())
+        lines << bytes.mid(begin);
+    return lines;
+}
+
+// What one played command did: the frames it wrote and the fields it refused.
+struct Played {
+    QList<QByteArray> frames;
+    QStringList refusals;
+};
+
+// The check's rows of played commands against what the run did with them.
+void checkForesight(const QList<CheckRow>& rows, const QList<Played>& played,
+                    const QByteArray& file, bool vmail, bool pbxTakesAll) {
+    const QList<QByteArray> lines = fileLines(file);
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const CheckRow& row = rows[i];
+        const Played& run = played[i];
+        FUZZ_CHECK(run.refusals == row.refusals, "the check foresees every refused field");
+        FUZZ_CHECK(row.asWritten || row.warned, "what is not as written is warned");
+        if (pbxTakesAll) {
+            QList<QByteArray> foreseen;
+            for (const QString& body : row.sends)
+                foreseen << (vmail ? body.toLatin1() : '\x02' + body.toLatin1() + '\x03');
+            FUZZ_CHECK(run.frames == foreseen, "the check foresees every message sent");
+        }
+        if (run.frames.isEmpty() || row.line < 1)
+            continue;
+        // The first frame against the fields as read and the line as written.
+        const QByteArray& first = run.frames.first();
+        // Blanks that end a linked-suite line are nothing, in its last member too.
+        const bool suite = row.command.startsWith(u"STE");
+        bool verbatim = true;
+        for (const CheckedField& f : row.fields) {
+            if (f.line != row.line)
+                continue;
+            const int at = f.firstColumn - row.column + 1;
+            QByteArray text = f.text.toLatin1();
+            while (suite && text.endsWith(' '))
+                text.chop(1);
+            verbatim = verbatim && first.mid(at, text.size()) == text;
+        }
+        const QByteArray line = lines.value(row.line - 1);
+        QByteArray sent = vmail ? first : first.mid(1).chopped(1);
+        QByteArray holds = vmail ? line.mid(row.column - 2).split('~').first()
+                                 : line.mid(row.column - 1, sent.size());
+        if (suite) {
+            while (sent.endsWith(' '))
+                sent.chop(1);
+            holds = line.mid(row.column - 1);
+            while (holds.endsWith(' '))
+                holds.chop(1);
+        }
+        const bool allOnItsLine =
+            std::all_of(row.fields.cbegin(), row.fields.cend(), [&](const CheckedField& f) {
+                return f.line == row.line && !f.text.contains(u'\r') && !f.text.contains(u'\n');
+            });
+        if (!row.warned)
+            FUZZ_CHECK(run.refusals.isEmpty() && verbatim,
+                       "a command called clean sends the fields the check read");
+        if (!row.asWritten && allOnItsLine)
+            FUZZ_CHECK(!run.refusals.isEmpty() || !verbatim || sent != holds,
+                       "a command warned about does not go out as written");
+    }
 }
 
 bool isWrite(const QByteArray& w, bool vmail) {
@@ -152,10 +237,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (closing)
             pump.requestStop();
     };
+    // What each command wrote and refused, as far as it got.
+    QList<Played> played;
+    qsizetype writtenBefore = 0;
     QObject::connect(&engine, &ScriptEngine::commandStarted, [&] {
         FUZZ_CHECK(++commands <= maxCommands + commandsAfterStop, "a stopped script ends");
         if (commands >= maxCommands)
             stop();
+        played.append(Played{});
+        writtenBefore = active.written.size();
+    });
+    QObject::connect(&engine, &ScriptEngine::commandFinished, [&] {
+        for (const QByteArray& w : active.written.mid(writtenBefore))
+            if (w.startsWith(char(ctl::STX)))
+                played.last().frames << w;
+    });
+    QObject::connect(&session, &Session::fieldRefused, [&](const QString& text) {
+        FUZZ_CHECK(!played.isEmpty(), "fields are refused by commands only");
+        played.last().refusals << text;
     });
     // CANCEL acts again after each command, as the headless player does on a signal; closing
     // the window asks once.
@@ -186,13 +285,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                        "only control bytes and whole frames reach the PBX");
     // The check walks the same reading: a run it did not cut short plays what the check says.
     if (!engine.Continuous && !stopped) {
-        const ScriptCheck check = checkScript(script);
-        const auto played = std::count_if(check.rows.cbegin(), check.rows.cend(),
-                                          [](const CheckRow& row) { return row.plays; });
-        FUZZ_CHECK(played == commands, "the check lists every command the run plays");
+        const ScriptCheck check = checkScript(script, {.errorMode = session.errorMode()});
+        QList<CheckRow> rows = check.rows;
+        rows.removeIf([](const CheckRow& row) { return !row.plays; });
+        FUZZ_CHECK(rows.size() == commands, "the check lists every command the run plays");
         FUZZ_CHECK((check.verdict() == ScriptCheck::Verdict::Stops) ==
                        (outcome == ScriptEngine::RunOutcome::Unrecognized),
                    "the check tells when the run stops");
+        const bool pbxTakesAll = answerOf(play >> 1) == sim::Answer::Ack &&
+                                 answerOf(play >> 3) == sim::Answer::Ack && (pbxSends & 3) == 0;
+        checkForesight(rows, played, bytes, script.pmsMode == PmsMode::Vmail, pbxTakesAll);
     }
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:

@@ -14,33 +14,48 @@
 
 namespace larkspur {
 
+namespace {
+// The script text, read and then free of the file's bytes, so only one copy is held.
+ScriptText readText(ScriptFile file) {
+    const QByteArray bytes = std::move(file.bytes);
+    return readScript(bytes);
+}
+} // namespace
+
 int checkHeadless(const PlayerOptions& options) {
-    const ScriptFile file = readScriptFile(options.script);
+    ScriptFile file = readScriptFile(options.script);
     if (file.status != ScriptFile::Status::Read) {
         printNotice(QStringLiteral("cannot read %1: %2").arg(options.script, file.error));
         return file.status == ScriptFile::Status::Interrupted ? exitcode::interrupted
                                                               : exitcode::badScript;
     }
-    const ScriptCheck check = checkScript(readScript(file.bytes));
-    const QByteArray report = options.json ? checkReportJson(options.script, check)
-                                           : checkReportText(options.script, check).toLatin1();
+    const ScriptText script = readText(std::move(file));
+    const CheckOptions checkOptions{.errorMode = options.errorMode};
+    int writeError = 0; // of the first write that failed
+    const ReportOutput out = [&writeError](const QByteArray& bytes) {
+        errno = 0;
+        if (writeError == 0 &&
+            std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) != size_t(bytes.size()))
+            writeError = errno ? errno : EIO;
+    };
+    const CheckVerdict verdict =
+        options.json ? writeCheckReportJson(out, options.script, script, checkOptions)
+                     : writeCheckReportText(out, options.script, script, checkOptions);
     errno = 0;
-    if (std::fwrite(report.constData(), 1, size_t(report.size()), stdout) !=
-            size_t(report.size()) ||
-        std::fflush(stdout) != 0) {
-        // A reader that has gone (| head) wanted no more; anything else cut the report short.
-        if (errno != EPIPE) {
-            printNotice(QStringLiteral("cannot write the check on standard output: %1")
-                            .arg(QString::fromLocal8Bit(std::strerror(errno ? errno : EIO))));
-            return exitcode::reportsUnwritten;
-        }
+    if (writeError == 0 && std::fflush(stdout) != 0)
+        writeError = errno ? errno : EIO;
+    // A reader that has gone (| head) wanted no more; anything else cut the report short.
+    if (writeError != 0 && writeError != EPIPE) {
+        printNotice(QStringLiteral("cannot write the check on standard output: %1")
+                        .arg(QString::fromLocal8Bit(std::strerror(writeError))));
+        return exitcode::reportsUnwritten;
     }
-    switch (check.verdict()) {
-    case ScriptCheck::Verdict::Clean:
+    switch (verdict) {
+    case CheckVerdict::Clean:
         return exitcode::ok;
-    case ScriptCheck::Verdict::Warnings:
+    case CheckVerdict::Warnings:
         return exitcode::checkWarnings;
-    case ScriptCheck::Verdict::Stops:
+    case CheckVerdict::Stops:
         break;
     }
     return exitcode::badScript;

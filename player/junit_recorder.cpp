@@ -19,6 +19,8 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine) : m_session
             [this](const QString& record) { fail(record.trimmed()); });
     connect(&session.link, &Link::linkLost, this,
             [this](const QString& reason) { fail(QStringLiteral("link lost: ") + reason); });
+    // A transaction that sent nothing because it refused a field: what it logged says why.
+    connect(&session, &Session::pressRefused, this, &JunitRecorder::fail);
     connect(&session, &Session::expectationStopped, this, [this](const QString& item) {
         fail(QStringLiteral("the wait for %1 was stopped before it ended").arg(item));
     });

@@ -13,7 +13,8 @@ class Session;
 
 // Builds the JUnit cases from what happens during a run: a case opens when a command starts
 // and closes when it ends; an error record, a transaction the PBX did not take (refused,
-// unanswered, answered only by a stale ACK, cut short), a stopped wait or a lost link fails it.
+// unanswered, answered only by a stale ACK, cut short) or that sent nothing because it refused a
+// field, a stopped wait or a lost link fails it.
 class JunitRecorder : public QObject {
     Q_OBJECT
 public:

@@ -17,7 +17,7 @@ QString playerUsage() {
         "                    [--connect-timeout SECONDS] [--frame-gap MS] [--no-settings]\n"
         "                    [--save-log FILE]\n"
         "                    [--error-report FILE] [--junit FILE] [--trace FILE] SCRIPT\n"
-        "       larkspur-run --check [--json] SCRIPT\n"
+        "       larkspur-run --check [--json] [--error-mode] SCRIPT\n"
         "       larkspur-run --dry-run [OPTIONS] SCRIPT [--on-enq ANSWERS] [--on-frame ANSWERS]\n"
         "                    [--answer-delay SECONDS] [--echo-offer] [--mode HOTEL|VMAIL]\n"
         "                    [--line-speed BAUD] [--split BYTES] [--split-gap SECONDS]\n"
@@ -39,6 +39,7 @@ output, notices and the run statistics on standard error.
                  command it will reach with its fields and columns, then what will not play
                  as written; exit 0 clean, 1 with warnings, 3 when the run would stop
   --json         with --check: the same as one JSON object
+  --error-mode   with --check: check as a run in Error Mode will send
   --dry-run      play SCRIPT against the simulator inside this process, in virtual time:
                  the same run and output as against larkspur-pbxsim, in a fraction of a
                  second, with no socket or device opened; the simulator's options follow
@@ -212,8 +213,8 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
     }
     if (o.check) {
         for (const QString& option : std::as_const(named)) {
-            if (option != u"--check" && option != u"--json" && option != u"--help" &&
-                option != u"-h") {
+            if (option != u"--check" && option != u"--json" && option != u"--error-mode" &&
+                option != u"--help" && option != u"-h") {
                 error =
                     QStringLiteral("%1 has no place with --check, which opens nothing").arg(option);
                 return std::nullopt;

@@ -19,17 +19,18 @@ bool matches(const Session& session, const QString& item) {
     const ExpectationItem* expected = findExpectationItem(item);
     if (!expected || !expected->hasRoom())
         return false;
-    const QString room =
-        verify_string(session.fields.text(Field::txt_suite_1), 5, QStringLiteral("R"));
+    const QString room = roomForm(session.fields.text(Field::txt_suite_1));
     return link.lastControl() == start_of_text() + expected->expected + room + end_of_text();
 }
 } // namespace
 
-int waitSeconds(QString& digit) {
-    if (digit.size() == 1 && digit.at(0).isDigit() && digit.at(0).unicode() < 128)
-        return digit.at(0).digitValue();
-    digit = QStringLiteral("5");
-    return 5;
+QString waitDigit(const QString& text) {
+    return text.size() == 1 && text.at(0) >= u'0' && text.at(0) <= u'9' ? text
+                                                                        : QStringLiteral("5");
+}
+
+int waitSeconds(const QString& text) {
+    return waitDigit(text).at(0).digitValue();
 }
 
 bool isExpectationItem(const QString& item) {
@@ -43,11 +44,13 @@ QString recordedExpectation(const QString& item, const QString& room, bool withN
     return (withNotice ? entry->recordedNotice : entry->recordedPlain) + room;
 }
 
-void runExpectationWait(Session& session, WaitKind kind, const QString& item, QString digit) {
+void runExpectationWait(Session& session, WaitKind kind, const QString& item,
+                        const QString& given) {
     Link& link = session.link;
     EventPump& pump = session.pump;
     const Link::WaitGuard busy(link);
     link.clearAckReceived();
+    const QString digit = waitDigit(given);
     const int seconds = waitSeconds(digit);
     const double deadline = pump.monotonicSeconds() + seconds;
     const QDateTime started = pump.currentDateTime();
@@ -97,10 +100,9 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, QS
         session.operatorInterface.notify(success);
         session.log.logLine(success);
         const QString room = session.fields.text(Field::txt_suite_1);
-        session.recorder.record(
-            (plain ? QStringLiteral("WAIT ") : QStringLiteral("NTFY ")) +
-            recordedExpectation(item, verify_string(room, 5, QStringLiteral("R")), !plain) +
-            QLatin1Char(' ') + digit);
+        session.recorder.record((plain ? QStringLiteral("WAIT ") : QStringLiteral("NTFY ")) +
+                                recordedExpectation(item, roomForm(room), !plain) +
+                                QLatin1Char(' ') + digit);
     } else if (end == End::TimedOut) {
         session.log.logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
         session.errors.recordError(Time_of_error(pump.currentDateTime()) +

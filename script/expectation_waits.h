@@ -12,14 +12,16 @@ bool isExpectationItem(const QString& item);
 // What a recorded wait line says after "WAIT " / "NTFY " for `item`, without the digit.
 QString recordedExpectation(const QString& item, const QString& room, bool withNotice);
 
-// The time of a wait in seconds for its digit: 0 means no limit; anything but a digit counts as
-// 5, and `digit` becomes "5", as a met wait records it.
-int waitSeconds(QString& digit);
+// The digit a wait runs by, for the text it is given (a script line's digit, the wake-up time
+// field for the lists): the text when it is one digit 0-9, else "5". A met wait records it.
+QString waitDigit(const QString& text);
+// The time of a wait in seconds for that digit: 0 means no limit.
+int waitSeconds(const QString& text);
 
 enum class WaitKind { Plain, WithNotice };
 
 // Holds the console until the PBX sends `item` or the wait's time (the digit; "0" is no limit,
 // anything but a digit is 5) runs out, or a stop is asked for.
-void runExpectationWait(Session& session, WaitKind kind, const QString& item, QString digit);
+void runExpectationWait(Session& session, WaitKind kind, const QString& item, const QString& digit);
 
 } // namespace larkspur

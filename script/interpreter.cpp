@@ -87,10 +87,7 @@ void ScriptEngine::play(const ScriptStep& step) {
         step.command->press(s);
         break;
     case ScriptStep::Kind::LinkedSuite:
-        if (step.word == u"STE5")
-            s.send_linked_suite_pilot(step.word + QLatin1Char(' '));
-        else
-            s.send_linked_suite(step.word + QLatin1Char(' '));
+        s.send_linked_suite(step.word);
         break;
     case ScriptStep::Kind::Expectation:
         runExpectationWait(s, step.waitKind, step.expectation->item, step.digit);

@@ -20,12 +20,6 @@ bool linkIsUp(Session& s) {
     return false;
 }
 
-// The wait's time comes from the wake-up time field when it holds exactly one digit.
-QString waitDigit(const QString& time) {
-    return time.size() == 1 && time.at(0) >= QLatin1Char('0') && time.at(0) <= QLatin1Char('9')
-               ? time
-               : QStringLiteral("5");
-}
 } // namespace
 
 const QStringList& ScriptEngine::expectationItems() {
@@ -98,8 +92,9 @@ void ScriptEngine::startListedWait(const QString& item, bool plain) {
         m_session.operatorInterface.notify(QStringLiteral("message not recgonized"));
         return;
     }
+    // The wait's time comes from the wake-up time field.
     runExpectationWait(m_session, plain ? WaitKind::Plain : WaitKind::WithNotice, chosen,
-                       waitDigit(m_session.fields.text(Field::txt_time)));
+                       m_session.fields.text(Field::txt_time));
 }
 
 } // namespace larkspur

@@ -1,5 +1,6 @@
 // The script check: the runner's own reading of a script, walked without playing it, and what
-// in it will not play as its author meant.
+// in it will not play as its author meant. What a transaction will log or send is foreseen by
+// the transaction's own rules, applied to the fields as the runner reads them.
 #include "script/script_check.h"
 
 #include "protocol/expectation_items.h"
@@ -9,10 +10,11 @@
 #include "script/script_commands.h"
 #include "script/script_reader.h"
 #include "script/script_steps.h"
-
-#include <QMap>
+#include "transactions/press_steps.h"
 
 #include <algorithm>
+#include <climits>
+#include <utility>
 
 namespace larkspur {
 
@@ -21,46 +23,75 @@ namespace {
 using Level = CheckFinding::Level;
 using Kind = ScriptStep::Kind;
 
-// Where each kept line of the script text starts, and which line of the file it is.
-class LineMap {
+bool isBlank(const QString& text) {
+    return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c == u' '; });
+}
+
+// The most of a long text a finding quotes.
+constexpr qsizetype quotedAtMost = 80;
+
+QString quoted(const QString& text) {
+    return u'"' + toReadable(text.toLatin1()) + u'"';
+}
+
+// A text that may be as long as a line, quoted up to quotedAtMost characters.
+QString quotedShort(const QString& text) {
+    if (text.size() <= quotedAtMost)
+        return quoted(text);
+    return u'"' + toReadable(text.left(quotedAtMost).toLatin1()) +
+           QStringLiteral("...\" (%1 characters)").arg(text.size());
+}
+
+// Where each kept line of the script text starts, and which line of the file it is, found by
+// moving from the place asked for last: a walk from the top to the end passes each line end
+// about once, and nothing is kept per line.
+class LinePlaces {
 public:
-    explicit LineMap(const ScriptText& script) : m_textSize(script.text.size()) {
-        // Kept lines hold no line end of their own and end in CR LF; the ETX follows the last.
-        for (qsizetype at = 0; at < m_textSize - 1; at = script.text.indexOf('\n', at) + 1) {
-            m_starts.append(at + 1);
-            m_fileLines.append(script.fileLineAt(at + 1));
-        }
-    }
+    explicit LinePlaces(const ScriptText& script)
+        : m_script(script), m_text(script.text), m_end(m_text.indexOf('\n')) {}
 
     struct Place {
         int line = 0; // 0: the ETX or past it
         int column = 0;
     };
-    Place place(qsizetype position) const {
+    Place place(qsizetype position) {
         const qsizetype index = keptIndex(position);
         if (index < 0)
             return {};
-        return {m_fileLines[index], int(position - m_starts[index] + 1)};
+        return {m_script.fileLineOfKept(index), int(position - 1 - m_start + 1)};
     }
-    // The kept line holding `position`, or -1 for the ETX and beyond.
-    qsizetype keptIndex(qsizetype position) const {
-        if (position < 1 || position >= m_textSize)
+    // The kept line holding `position` (1-based), or -1 for the ETX and beyond.
+    qsizetype keptIndex(qsizetype position) {
+        if (position < 1 || position >= m_text.size())
             return -1;
-        return std::upper_bound(m_starts.cbegin(), m_starts.cend(), position) - m_starts.cbegin() -
-               1;
+        const qsizetype at = position - 1;
+        while (at > m_end) {
+            m_start = m_end + 1;
+            m_end = m_text.indexOf('\n', m_start);
+            ++m_index;
+        }
+        while (at < m_start) {
+            m_end = m_start - 1;
+            m_start = m_start >= 2 ? m_text.lastIndexOf('\n', m_start - 2) + 1 : 0;
+            --m_index;
+        }
+        return m_index;
     }
-    qsizetype lineStart(qsizetype index) const { return m_starts[index]; }
-    int fileLine(qsizetype index) const { return m_fileLines[index]; }
+    // Where the kept line holding `position` starts (1-based); `position` must be on one.
+    qsizetype lineStart(qsizetype position) {
+        keptIndex(position);
+        return m_start + 1;
+    }
+    int fileLine(qsizetype keptIndex) const { return m_script.fileLineOfKept(keptIndex); }
 
 private:
-    qsizetype m_textSize;
-    QList<qsizetype> m_starts;
-    QList<int> m_fileLines;
+    const ScriptText& m_script;
+    const QByteArray& m_text;
+    // The kept line of the last answer: its index, where it starts and where its LF stands.
+    qsizetype m_index = 0;
+    qsizetype m_start = 0;
+    qsizetype m_end;
 };
-
-QString quoted(const QString& text) {
-    return u'"' + toReadable(text.toLatin1()) + u'"';
-}
 
 QString hotelLabel(Field field) {
     switch (field) {
@@ -104,7 +135,7 @@ QString fieldLabel(const ScriptStep& step, qsizetype index, bool vmail) {
 }
 
 QString waitDescription(const ScriptStep& step) {
-    QString digit = step.digit;
+    const QString digit = waitDigit(step.digit);
     const int seconds = waitSeconds(digit);
     QString time =
         seconds == 0 ? QStringLiteral("no time limit") : QStringLiteral("up to %1 s").arg(seconds);
@@ -139,7 +170,7 @@ const ExpectationItem* noticeRecordedAs(const QString& head) {
 }
 
 // "line 3", "lines 3-5, 8".
-QString linesText(QList<int> lines) {
+QString linesText(const QList<int>& lines) {
     QStringList parts;
     for (qsizetype i = 0; i < lines.size();) {
         qsizetype j = i;
@@ -153,115 +184,264 @@ QString linesText(QList<int> lines) {
            parts.join(QStringLiteral(", "));
 }
 
-class Checker {
+// What the reader tells of the file beside its text, as findings in the order of their lines:
+// the encoding, the lines left out, the lines holding bytes an editor may hide.
+class ReaderNotes {
 public:
-    explicit Checker(const ScriptText& script)
-        : m_script(script), m_lines(script), m_vmail(script.pmsMode != PmsMode::Hotel),
-          m_alignedColumn(m_vmail ? 2 : 1) {}
+    explicit ReaderNotes(const ScriptText& script) : m_script(script) {}
 
-    ScriptCheck run();
+    // The next note about a line up to `line`, if there is one.
+    bool next(int line, CheckFinding& note) {
+        if (!m_encodingTold) {
+            m_encodingTold = true;
+            if (encoding(note))
+                return true;
+        }
+        const auto& leftOut = m_script.leftOut;
+        const auto& odd = m_script.oddities;
+        const bool outNext =
+            m_out < leftOut.size() &&
+            (m_odd >= odd.size() || leftOut[m_out].fileLine <= odd[m_odd].fileLine);
+        if (outNext && leftOut[m_out].fileLine <= line) {
+            note = leftOutNote(leftOut[m_out], m_script.leftOutLine(leftOut[m_out].fileLine));
+            ++m_out;
+            return true;
+        }
+        if (!outNext && m_odd < odd.size() && odd[m_odd].fileLine <= line) {
+            note = oddityNote(odd[m_odd++]);
+            if (m_odd == odd.size() && m_script.oddityCount > odd.size())
+                note.text += QStringLiteral("; %1 more lines hold NUL bytes or lone line ends, "
+                                            "which the check does not list")
+                                 .arg(m_script.oddityCount - odd.size());
+            return true;
+        }
+        return false;
+    }
 
 private:
-    void leftOutLines();
-    CheckRow describe(const ScriptStep& step) const;
+    bool encoding(CheckFinding& note) const {
+        using Encoding = ScriptText::Encoding;
+        switch (m_script.encoding) {
+        case Encoding::Bytes:
+            return false;
+        case Encoding::Utf8WithMark:
+            note = {Level::Warning,
+                    QStringLiteral("utf8-bom"),
+                    1,
+                    1,
+                    1,
+                    3,
+                    QStringLiteral("the file starts with a UTF-8 byte order mark "
+                                   "(\\xEF\\xBB\\xBF), which the runner reads as three characters "
+                                   "at the start of line 1; save the script without the mark "
+                                   "(as ASCII, or as UTF-8 without BOM)")};
+            return true;
+        case Encoding::Utf16LE:
+        case Encoding::Utf16BE:
+            break;
+        }
+        const bool little = m_script.encoding == Encoding::Utf16LE;
+        const QString mark = m_script.utf16Marked ? QStringLiteral("with its byte order mark %1")
+                                                        .arg(little ? QStringLiteral("\\xFF\\xFE")
+                                                                    : QStringLiteral("\\xFE\\xFF"))
+                                                  : QStringLiteral("without a byte order mark");
+        note = {
+            Level::Warning,
+            QStringLiteral("utf16"),
+            1,
+            1,
+            0,
+            0,
+            QStringLiteral("the file is UTF-16 (%1, %2): the runner reads one byte a "
+                           "character, so every other character is a NUL byte and no line is "
+                           "what it seems; save the script as ASCII (8-bit) text")
+                .arg(little ? QStringLiteral("low byte first") : QStringLiteral("high byte first"),
+                     mark)};
+        return true;
+    }
+
+    static CheckFinding leftOutNote(const ScriptText::LeftOut& out, const QByteArray& text) {
+        using Reason = ScriptText::LeftOut::Reason;
+        const QString line = QString::fromLatin1(text);
+        switch (out.reason) {
+        case Reason::Comment:
+        case Reason::Blank: {
+            const QString kind =
+                out.reason == Reason::Comment ? QStringLiteral("comment") : QStringLiteral("blank");
+            return {Level::Note,
+                    kind,
+                    out.fileLine,
+                    out.lastLine,
+                    0,
+                    0,
+                    kind + (out.lastLine > out.fileLine ? QStringLiteral(" lines, left out")
+                                                        : QStringLiteral(" line, left out"))};
+        }
+        case Reason::HoldsVmail:
+            if (out.fileLine == 1)
+                return {Level::Note,
+                        QStringLiteral("header"),
+                        1,
+                        1,
+                        0,
+                        0,
+                        QStringLiteral("the header line, left out")};
+            return {Level::Warning,
+                    QStringLiteral("vmail-line"),
+                    out.fileLine,
+                    out.fileLine,
+                    0,
+                    0,
+                    QStringLiteral("holds \"VMAIL\", so it is left out and never played: %1")
+                        .arg(quotedShort(line))};
+        case Reason::LastLine:
+            break;
+        }
+        return {Level::Warning,
+                QStringLiteral("last-line"),
+                out.fileLine,
+                out.fileLine,
+                0,
+                0,
+                QStringLiteral("the file's last line is never played: %1; add a comment line "
+                               "after it to have it played")
+                    .arg(quotedShort(line))};
+    }
+
+    static CheckFinding oddityNote(const ScriptText::Oddity& odd) {
+        using OddKind = ScriptText::Oddity::Kind;
+        if (odd.kind == OddKind::Nul)
+            return {Level::Warning,
+                    QStringLiteral("nul"),
+                    odd.fileLine,
+                    odd.fileLine,
+                    odd.column,
+                    odd.column,
+                    QStringLiteral("holds %1 (\\x00), %2column %3: an editor may show nothing "
+                                   "there, but the runner reads each as a character of the line "
+                                   "and sends it on; remove %4")
+                        .arg(odd.count == 1 ? QStringLiteral("a NUL byte")
+                                            : QStringLiteral("%1 NUL bytes").arg(odd.count),
+                             odd.count == 1 ? QString() : QStringLiteral("the first in "))
+                        .arg(odd.column)
+                        .arg(odd.count == 1 ? QStringLiteral("it") : QStringLiteral("them"))};
+        const bool lf = odd.kind == OddKind::LoneLf;
+        return {Level::Warning,
+                QStringLiteral("line-end"),
+                odd.fileLine,
+                odd.fileLine,
+                odd.column,
+                odd.column,
+                QStringLiteral("ends in column %1 with a lone %2, where the file's other lines "
+                               "end in CR LF: an editor may show one line, but the runner ends "
+                               "the line there and reads what follows as line %3; remove the "
+                               "%4, or end the line in CR LF")
+                    .arg(odd.column)
+                    .arg(lf ? QStringLiteral("LF (\\x0A)") : QStringLiteral("CR (\\x0D)"))
+                    .arg(odd.fileLine + 1)
+                    .arg(lf ? QStringLiteral("LF") : QStringLiteral("CR"))};
+    }
+
+    const ScriptText& m_script;
+    bool m_encodingTold = false;
+    qsizetype m_out = 0;
+    qsizetype m_odd = 0;
+};
+
+// A press foreseen: what the transaction refuses and what it sends, every message taken.
+class Foresight : public PressSteps {
+public:
+    QList<FieldRefusal> refusals;
+    QList<PressMessage> messages;
+
+    void refuse(const FieldRefusal& refusal) override { refusals.append(refusal); }
+    bool send(const PressMessage& message) override {
+        messages.append(message);
+        return true;
+    }
+};
+
+class Checker {
+public:
+    Checker(const ScriptText& script, const CheckOptions& options, CheckSink& sink)
+        : m_script(script), m_options(options), m_sink(sink), m_lines(script), m_notes(script),
+          m_vmail(script.pmsMode != PmsMode::Hotel), m_alignedColumn(m_vmail ? 2 : 1) {}
+
+    void run();
+
+private:
+    CheckRow describe(const ScriptStep& step);
     CheckedField field(const QString& label, const QString& control, qsizetype position, int width,
-                       const QString& text) const;
-    // Adds a finding and gives its index.
-    int find(Level level, const QString& kind, int line, const QString& text);
-    QString nextCommandPlace(qsizetype next) const;
-    bool nextIsAligned(qsizetype next) const;
+                       const QString& text);
+    // A finding of the walk: told at once, or after the cause of a shift it follows.
+    void find(Level level, const QString& kind, int line, const QString& text,
+              const CheckedField* about = nullptr);
+    // The finding that makes the runner read from mid-line: held until the shift ends, so that
+    // the lines read from mid-line after it can be named.
+    void startShift(Level level, const QString& kind, int line, const QString& text);
+    void endShift();
+    // Tells `finding` after every note of the reader about a line up to its own.
+    void release(const CheckFinding& finding);
+
+    QString nextCommandPlace(qsizetype next);
+    bool nextIsAligned(qsizetype next);
     void passedOver(const ScriptStep& step, CheckRow& row);
-    void fieldsPastTheFrame(const ScriptStep& step, CheckRow& row);
+    bool fieldsPastTheFrame(const ScriptStep& step, CheckRow& row);
+    void foresee(const ScriptStep& step, CheckRow& row, bool overrun);
+    void refused(const ScriptStep& step, CheckRow& row, const Foresight& press);
+    void sentOtherwise(const ScriptStep& step, CheckRow& row, const PressMessage& message,
+                       const QString& written);
+    QString written(const ScriptStep& step);
     void afterCommand(const ScriptStep& step, CheckRow& row);
 
     const ScriptText& m_script;
-    const LineMap m_lines;
+    const CheckOptions m_options;
+    CheckSink& m_sink;
+    LinePlaces m_lines;
+    ReaderNotes m_notes;
     const bool m_vmail;
     const int m_alignedColumn;
-    ScriptCheck m_check;
-    // The finding that makes the runner read from mid-line, and the lines it reads so.
-    int m_shiftCause = -1;
-    QMap<int, QList<int>> m_shifted;
+    // The cause of the shift in progress first, then what was found after it; and the lines of
+    // the commands read from mid-line since.
+    QList<CheckFinding> m_held;
+    QList<int> m_shifted;
 };
 
-ScriptCheck Checker::run() {
-    m_check.pmsMode = m_script.pmsMode;
-    m_check.protocolType = m_script.protocolType;
-    leftOutLines();
+void Checker::run() {
     for (qsizetype position = firstCommandPosition(m_script);;) {
         const ScriptStep step = readStep(m_script, position);
         if (step.kind == Kind::End)
             break;
         CheckRow row = describe(step);
-        if (row.column != m_alignedColumn && m_shiftCause >= 0) {
+        if (row.column != m_alignedColumn && !m_held.isEmpty()) {
             row.warned = true;
-            m_shifted[m_shiftCause].append(row.line);
+            m_shifted.append(row.line);
         }
         if (step.kind == Kind::Unrecognized) {
             row.stops = true;
             find(Level::Stop, QStringLiteral("unrecognized"), row.line,
                  QStringLiteral("%1 is no command the runner knows: the run stops here with "
                                 "\"Command: %2\"")
-                     .arg(quoted(step.word), toReadable(step.stopCommand.toLatin1())));
+                     .arg(quoted(step.word), step.stopCommand));
         } else if (step.kind == Kind::PassedOver) {
             passedOver(step, row);
         } else {
             afterCommand(step, row);
         }
-        m_check.rows.append(row);
+        m_sink.row(row);
         if (row.stops)
             break;
         position = step.next;
     }
-    for (auto it = m_shifted.cbegin(); it != m_shifted.cend(); ++it)
-        m_check.findings[it.key()].text +=
-            QStringLiteral("; the commands read from mid-line after it: %1")
-                .arg(linesText(it.value()));
-    std::stable_sort(m_check.findings.begin(), m_check.findings.end(),
-                     [](const CheckFinding& a, const CheckFinding& b) { return a.line < b.line; });
-    return m_check;
+    endShift();
+    CheckFinding note;
+    while (m_notes.next(INT_MAX, note))
+        m_sink.finding(note);
 }
 
-void Checker::leftOutLines() {
-    using Reason = ScriptText::LeftOut::Reason;
-    for (const ScriptText::LeftOut& out : m_script.leftOut) {
-        const QString line = QString::fromLatin1(out.line);
-        switch (out.reason) {
-        case Reason::Comment:
-        case Reason::Blank: {
-            const QString kind =
-                out.reason == Reason::Comment ? QStringLiteral("comment") : QStringLiteral("blank");
-            CheckFinding* last = m_check.findings.isEmpty() ? nullptr : &m_check.findings.last();
-            if (last && last->kind == kind && last->lastLine == out.fileLine - 1) {
-                last->lastLine = out.fileLine;
-                last->text = kind + QStringLiteral(" lines, left out");
-            } else {
-                find(Level::Note, kind, out.fileLine, kind + QStringLiteral(" line, left out"));
-            }
-            break;
-        }
-        case Reason::HoldsVmail:
-            if (out.fileLine == 1)
-                find(Level::Note, QStringLiteral("header"), 1,
-                     QStringLiteral("the header line, left out"));
-            else
-                find(Level::Warning, QStringLiteral("vmail-line"), out.fileLine,
-                     QStringLiteral("holds \"VMAIL\", so it is left out and never played: %1")
-                         .arg(quoted(line)));
-            break;
-        case Reason::LastLine:
-            find(Level::Warning, QStringLiteral("last-line"), out.fileLine,
-                 QStringLiteral("the file's last line is never played: %1; add a comment line "
-                                "after it to have it played")
-                     .arg(quoted(line)));
-            break;
-        }
-    }
-}
-
-CheckRow Checker::describe(const ScriptStep& step) const {
+CheckRow Checker::describe(const ScriptStep& step) {
     CheckRow row;
-    const LineMap::Place at = m_lines.place(step.start);
+    const LinePlaces::Place at = m_lines.place(step.start);
     row.line = at.line;
     row.column = at.column;
     row.command = step.word;
@@ -273,11 +453,28 @@ CheckRow Checker::describe(const ScriptStep& step) const {
                                 QString::fromLatin1(m_script.text.mid(step.start + 4, 4))));
     for (qsizetype i = 0; i < step.fields.size(); ++i) {
         const ReadField& f = step.fields[i];
-        // A linked suite has as many members as its line holds.
-        if (step.kind == Kind::LinkedSuite && f.text.isEmpty())
+        // A linked suite has as many members as its line holds: blanks after the last are none.
+        if (step.kind == Kind::LinkedSuite &&
+            (f.text.isEmpty() ||
+             (i > 0 && isBlank(QString::fromLatin1(m_script.text.mid(
+                           f.position - 1, qMax<qsizetype>(0, step.next - 2 - f.position)))))))
             continue;
         row.fields.append(
             field(fieldLabel(step, i, m_vmail), fieldName(f.field), f.position, f.width, f.text));
+    }
+    if (step.kind == Kind::LinkedSuite) {
+        // The reader takes four members; whatever the line holds after them stays there: from its
+        // first character that is not a blank to its last.
+        qsizetype first = step.fields.last().position + step.fields.last().width;
+        qsizetype last = step.next - 3; // before its CR
+        while (first <= last && m_script.text.at(first - 1) == ' ')
+            ++first;
+        while (last >= first && m_script.text.at(last - 1) == ' ')
+            --last;
+        if (first <= last)
+            row.fields.append(field(
+                QStringLiteral("past member 4"), QString(), first, int(last - first + 1),
+                QString::fromLatin1(m_script.text.mid(first - 1, 64)).left(int(last - first + 1))));
     }
     if (step.kind == Kind::Expectation)
         row.fields.append(field(QStringLiteral("digit"), QString(), step.next - 3, 1, step.digit));
@@ -285,23 +482,54 @@ CheckRow Checker::describe(const ScriptStep& step) const {
 }
 
 CheckedField Checker::field(const QString& label, const QString& control, qsizetype position,
-                            int width, const QString& text) const {
-    const LineMap::Place at = m_lines.place(position);
+                            int width, const QString& text) {
+    const LinePlaces::Place at = m_lines.place(position);
     return {label, control, at.line, at.column, at.line == 0 ? 0 : at.column + width - 1, text};
 }
 
-int Checker::find(Level level, const QString& kind, int line, const QString& text) {
-    m_check.findings.append({level, kind, line, line, text});
-    return int(m_check.findings.size() - 1);
+void Checker::find(Level level, const QString& kind, int line, const QString& text,
+                   const CheckedField* about) {
+    CheckFinding finding{level, kind, line, line, 0, 0, text};
+    if (about && about->line == line) {
+        finding.firstColumn = about->firstColumn;
+        finding.lastColumn = about->lastColumn;
+    }
+    if (m_held.isEmpty())
+        release(finding);
+    else
+        m_held.append(finding);
 }
 
-QString Checker::nextCommandPlace(qsizetype next) const {
-    const LineMap::Place at = m_lines.place(next);
+void Checker::startShift(Level level, const QString& kind, int line, const QString& text) {
+    endShift();
+    m_held.append({level, kind, line, line, 0, 0, text});
+}
+
+void Checker::endShift() {
+    if (m_held.isEmpty())
+        return;
+    if (!m_shifted.isEmpty())
+        m_held.first().text += QStringLiteral("; the commands read from mid-line after it: %1")
+                                   .arg(linesText(m_shifted));
+    const QList<CheckFinding> held = std::exchange(m_held, {});
+    m_shifted.clear();
+    for (const CheckFinding& finding : held)
+        release(finding);
+}
+
+void Checker::release(const CheckFinding& finding) {
+    CheckFinding note;
+    while (m_notes.next(finding.line == 0 ? INT_MAX : finding.line, note))
+        m_sink.finding(note);
+    m_sink.finding(finding);
+}
+
+QString Checker::nextCommandPlace(qsizetype next) {
+    const LinePlaces::Place at = m_lines.place(next);
     if (at.line == 0)
         return QStringLiteral("the next command is read from past the script's last line");
     // Kept lines end in CR LF.
-    const qsizetype index = m_lines.keptIndex(next);
-    if (next >= m_script.text.indexOf('\n', m_lines.lineStart(index) - 1))
+    if (next >= m_script.text.indexOf('\n', m_lines.lineStart(next) - 1))
         return QStringLiteral("the next command is read from the CR LF that ends line %1")
             .arg(at.line);
     return QStringLiteral("the next command is read from line %1, column %2")
@@ -309,8 +537,8 @@ QString Checker::nextCommandPlace(qsizetype next) const {
         .arg(at.column);
 }
 
-bool Checker::nextIsAligned(qsizetype next) const {
-    const LineMap::Place at = m_lines.place(next);
+bool Checker::nextIsAligned(qsizetype next) {
+    const LinePlaces::Place at = m_lines.place(next);
     return at.line == 0 ? readStep(m_script, next).kind == Kind::End : at.column == m_alignedColumn;
 }
 
@@ -318,36 +546,197 @@ void Checker::passedOver(const ScriptStep& step, CheckRow& row) {
     const QString head = QString::fromLatin1(m_script.text.mid(step.start + 4, 4));
     const ExpectationItem* notice = step.word == u"NTFY" ? noticeRecordedAs(head) : nullptr;
     row.warned = true;
-    m_shiftCause =
-        notice ? find(Level::Warning, QStringLiteral("alt-notice"), row.line,
-                      QStringLiteral("NTFY %1 is how a notice for \"%2\" is recorded, and the "
-                                     "runner passes it over: nothing waits, and %3")
-                          .arg(quoted(head), notice->item, nextCommandPlace(step.next)))
-               : find(Level::Warning, QStringLiteral("passed-over"), row.line,
-                      QStringLiteral("%1 %2 names no expectation the runner knows: it is passed "
-                                     "over, nothing waits, and %3")
-                          .arg(step.word, quoted(head), nextCommandPlace(step.next)));
+    if (notice)
+        startShift(Level::Warning, QStringLiteral("alt-notice"), row.line,
+                   QStringLiteral("NTFY %1 is how a notice for \"%2\" is recorded, and the "
+                                  "runner passes it over: nothing waits, and %3")
+                       .arg(quoted(head), notice->item, nextCommandPlace(step.next)));
+    else
+        startShift(Level::Warning, QStringLiteral("passed-over"), row.line,
+                   QStringLiteral("%1 %2 names no expectation the runner knows: it is passed "
+                                  "over, nothing waits, and %3")
+                       .arg(step.word, quoted(head), nextCommandPlace(step.next)));
 }
 
-void Checker::fieldsPastTheFrame(const ScriptStep& step, CheckRow& row) {
+bool Checker::fieldsPastTheFrame(const ScriptStep& step, CheckRow& row) {
     // A voice-mail field that holds the frame's end was read from a frame too short for it.
+    bool found = false;
     for (const CheckedField& f : std::as_const(row.fields)) {
         if (!f.text.contains(QChar(3)) && !f.text.contains(u'~') && !f.text.contains(u'\r') &&
             !f.text.contains(u'\n'))
             continue;
         row.warned = true;
+        found = true;
         find(Level::Warning, QStringLiteral("field-overrun"), row.line,
              QStringLiteral("%1 %2 (columns %3-%4) runs past the end of the frame: %5")
                  .arg(step.word, f.label)
                  .arg(f.firstColumn)
                  .arg(f.lastColumn)
-                 .arg(quoted(f.text)));
+                 .arg(quoted(f.text)),
+             &f);
     }
+    return found;
+}
+
+// The field of the row that fills `field`, or nullptr.
+const CheckedField* rowField(const CheckRow& row, Field field) {
+    const QString name = fieldName(field);
+    for (const CheckedField& f : row.fields)
+        if (f.control == name)
+            return &f;
+    return nullptr;
+}
+
+// "time (columns 4-7) "0799"", on the row's line or another.
+QString fieldPlace(const CheckedField& f, int rowLine) {
+    const QString columns =
+        f.firstColumn == f.lastColumn
+            ? QStringLiteral("column %1").arg(f.firstColumn)
+            : QStringLiteral("columns %1-%2").arg(f.firstColumn).arg(f.lastColumn);
+    const QString where =
+        f.line == rowLine ? columns : QStringLiteral("line %1, %2").arg(f.line).arg(columns);
+    return QStringLiteral("%1 (%2) %3").arg(f.label, where, quotedShort(f.text));
+}
+
+void Checker::foresee(const ScriptStep& step, CheckRow& row, bool overrun) {
+    if (step.kind != Kind::Transaction && step.kind != Kind::LinkedSuite)
+        return;
+    // The runner clears the room fields and fills those the line holds; every other field a
+    // transaction reads, its own line fills.
+    const PressInput input{.text =
+                               [&step](Field field) {
+                                   for (const ReadField& f : step.fields)
+                                       if (f.field == field)
+                                           return f.text;
+                                   return QString();
+                               },
+                           .errorMode = m_options.errorMode,
+                           .protocol = m_script.protocolType};
+    Foresight press;
+    if (step.kind == Kind::Transaction)
+        step.command->steps(input, press);
+    else
+        pressLinkedSuite(step.word, input, press);
+    for (const PressMessage& message : std::as_const(press.messages))
+        row.sends << message.body;
+    for (const FieldRefusal& refusal : std::as_const(press.refusals))
+        row.refusals << refusal.text;
+    if (!press.refusals.isEmpty())
+        refused(step, row, press);
+    if (press.messages.isEmpty())
+        return;
+    // Blanks that end a linked-suite line are nothing, whether or not some of them go out.
+    QString sent = press.messages.first().body;
+    if (step.kind == Kind::LinkedSuite)
+        while (sent.endsWith(u' '))
+            sent.chop(1);
+    const QString asWritten = written(step);
+    if (sent == asWritten)
+        return;
+    // A field read past its frame is told already; the frame built from it is another.
+    if (overrun)
+        row.asWritten = false;
+    else
+        sentOtherwise(step, row, press.messages.first(), asWritten);
+}
+
+void Checker::refused(const ScriptStep& step, CheckRow& row, const Foresight& press) {
+    row.warned = true;
+    row.asWritten = false;
+    // What the run says, in order: the lines it logs, or the notices it gives.
+    QStringList said;
+    for (qsizetype i = 0; i < press.refusals.size();) {
+        const bool notice = press.refusals[i].notice;
+        QStringList texts;
+        for (; i < press.refusals.size() && press.refusals[i].notice == notice; ++i)
+            texts << u'"' + press.refusals[i].text + u'"';
+        said << (notice ? QStringLiteral("tells %1 in a notice") : QStringLiteral("logs %1"))
+                    .arg(texts.join(QStringLiteral(" then ")));
+    }
+    QString sends = QStringLiteral("sends nothing");
+    if (!press.messages.isEmpty()) {
+        QStringList bodies;
+        for (const PressMessage& message : press.messages)
+            bodies << quoted(message.body);
+        sends = QStringLiteral("sends only %1").arg(bodies.join(QStringLiteral(", ")));
+    }
+    const QString run =
+        QStringLiteral("the run %1%2 %3")
+            .arg(said.join(QStringLiteral(", then ")),
+                 said.size() > 1 ? QStringLiteral(", and") : QStringLiteral(" and"), sends);
+    const CheckedField* f = rowField(row, press.refusals.first().field);
+    const QString word = toReadable(step.word.toLatin1());
+    find(Level::Warning, QStringLiteral("refused"), row.line,
+         f ? QStringLiteral("%1 %2: %3").arg(word, fieldPlace(*f, row.line), run)
+           : QStringLiteral("%1: %2").arg(word, run),
+         f);
+}
+
+void Checker::sentOtherwise(const ScriptStep& step, CheckRow& row, const PressMessage& message,
+                            const QString& written) {
+    row.warned = true;
+    row.asWritten = false;
+    QStringList items;
+    const CheckedField* first = nullptr;
+    for (const SentField& sent : message.fields) {
+        const CheckedField* f = rowField(row, sent.field);
+        if (!f || f->text == sent.form)
+            continue;
+        items
+            << QStringLiteral("%1 goes out as %2").arg(fieldPlace(*f, row.line), quoted(sent.form));
+        first = first ? first : f;
+    }
+    // What the line holds that the message leaves out: a field the transaction does not send, a
+    // blank member before another, what stands past the fourth member.
+    for (qsizetype i = 0; i < row.fields.size(); ++i) {
+        const CheckedField& f = row.fields[i];
+        const bool sent =
+            std::any_of(message.fields.cbegin(), message.fields.cend(),
+                        [&f](const SentField& s) { return fieldName(s.field) == f.control; });
+        if (sent || f.label == u"item" || f.label == u"digit")
+            continue;
+        const bool laterText =
+            std::any_of(row.fields.cbegin() + i + 1, row.fields.cend(),
+                        [](const CheckedField& later) { return !isBlank(later.text); });
+        if (isBlank(f.text) && !laterText)
+            continue;
+        items << QStringLiteral("%1 is not sent").arg(fieldPlace(f, row.line));
+        first = first ? first : &f;
+    }
+    const QString word = toReadable(step.word.toLatin1());
+    const QString sends = QStringLiteral("the run sends %1 where the line holds %2")
+                              .arg(quotedShort(message.body), quotedShort(written));
+    find(Level::Warning, QStringLiteral("sends-otherwise"), row.line,
+         items.isEmpty()
+             ? QStringLiteral("%1: %2").arg(word, sends)
+             : QStringLiteral("%1 %2; %3").arg(word, items.join(QStringLiteral("; ")), sends),
+         first);
+}
+
+// What the line holds for the first message of its command: a hotel line from its word to its
+// last field, a linked suite to its last character that is not a blank, a voice-mail line from
+// its framing character up to its "~" or line end.
+QString Checker::written(const ScriptStep& step) {
+    const QByteArray& text = m_script.text;
+    if (step.kind == Kind::LinkedSuite) {
+        QByteArray line = text.mid(step.start - 1, step.next - 2 - step.start);
+        while (line.endsWith(' '))
+            line.chop(1);
+        return QString::fromLatin1(line);
+    }
+    if (!m_vmail)
+        return QString::fromLatin1(text.mid(step.start - 1, step.next - 2 - step.start));
+    const qsizetype from = step.lineStart - 1;
+    qsizetype end = text.indexOf("\r\n", from);
+    const qsizetype tilde = text.indexOf('~', from);
+    if (end < 0 || (tilde >= 0 && tilde < end))
+        end = tilde;
+    return QString::fromLatin1(text.mid(from, end < 0 ? -1 : end - from));
 }
 
 void Checker::afterCommand(const ScriptStep& step, CheckRow& row) {
-    if (m_vmail)
-        fieldsPastTheFrame(step, row);
+    const bool overrun = m_vmail && fieldsPastTheFrame(step, row);
+    foresee(step, row, overrun);
     if (step.next == 0) {
         row.stops = true;
         find(Level::Stop, QStringLiteral("no-tilde"), row.line,
@@ -374,13 +763,12 @@ void Checker::afterCommand(const ScriptStep& step, CheckRow& row) {
                          .arg(linesText(skipped)));
             }
         }
-        m_shiftCause = -1;
+        endShift();
         return;
     }
-    if (row.column != m_alignedColumn && m_shiftCause >= 0)
+    if (row.column != m_alignedColumn && !m_held.isEmpty())
         return; // still read from mid-line, for the reason already told
     row.warned = true;
-    const qsizetype own = m_lines.keptIndex(step.start);
     QString why;
     if (m_vmail) {
         why = QStringLiteral("the first \"~\" after the code stands in column %1, not at the "
@@ -388,16 +776,27 @@ void Checker::afterCommand(const ScriptStep& step, CheckRow& row) {
                   .arg(m_lines.place(step.next - 4).column);
     } else {
         const qsizetype lineEnd = m_script.text.indexOf("\r\n", step.start - 1) + 1;
-        const qsizetype lineStart = m_lines.lineStart(own);
+        const qsizetype lineStart = m_lines.lineStart(step.start);
         why = QStringLiteral("%1 fills columns %2-%3, but the line is %4 characters long")
                   .arg(step.word)
                   .arg(row.column)
                   .arg(step.next - 2 - lineStart)
                   .arg(lineEnd - lineStart);
     }
-    m_shiftCause = find(Level::Warning, QStringLiteral("misfit"), row.line,
-                        why + QStringLiteral(": ") + nextCommandPlace(step.next));
+    startShift(Level::Warning, QStringLiteral("misfit"), row.line,
+               why + QStringLiteral(": ") + nextCommandPlace(step.next));
 }
+
+// Keeps the whole check.
+class Keeper : public CheckSink {
+public:
+    explicit Keeper(ScriptCheck& check) : m_check(check) {}
+    void row(const CheckRow& row) override { m_check.rows.append(row); }
+    void finding(const CheckFinding& finding) override { m_check.findings.append(finding); }
+
+private:
+    ScriptCheck& m_check;
+};
 
 } // namespace
 
@@ -429,47 +828,77 @@ QString CheckFinding::lines() const {
                            : QStringLiteral("line %1").arg(line);
 }
 
-QString ScriptCheck::verdictName() const {
+void CheckTally::add(const CheckFinding& finding) {
+    if (finding.level == Level::Warning)
+        ++warnings;
+    else if (finding.level == Level::Stop)
+        stops = true;
+}
+
+CheckVerdict CheckTally::verdict() const {
+    return stops          ? CheckVerdict::Stops
+           : warnings > 0 ? CheckVerdict::Warnings
+                          : CheckVerdict::Clean;
+}
+
+QString CheckTally::verdictName() const {
     switch (verdict()) {
-    case Verdict::Clean:
+    case CheckVerdict::Clean:
         return QStringLiteral("clean");
-    case Verdict::Warnings:
+    case CheckVerdict::Warnings:
         return QStringLiteral("warnings");
-    case Verdict::Stops:
+    case CheckVerdict::Stops:
         break;
     }
     return QStringLiteral("stops");
 }
 
-QString ScriptCheck::verdictText() const {
-    const auto warnings = std::count_if(findings.cbegin(), findings.cend(), [](const auto& f) {
-        return f.level == CheckFinding::Level::Warning;
-    });
+QString CheckTally::verdictText() const {
     switch (verdict()) {
-    case Verdict::Clean:
+    case CheckVerdict::Clean:
         return QStringLiteral("clean: every command plays as written");
-    case Verdict::Warnings:
+    case CheckVerdict::Warnings:
         return QStringLiteral("%1 warning(s)").arg(warnings);
-    case Verdict::Stops:
+    case CheckVerdict::Stops:
         break;
     }
-    const QString stops = QStringLiteral("the run stops as unrecognised");
-    return warnings == 0 ? stops : QStringLiteral("%1 warning(s); %2").arg(warnings).arg(stops);
+    const QString stopsText = QStringLiteral("the run stops as unrecognised");
+    return warnings == 0 ? stopsText
+                         : QStringLiteral("%1 warning(s); %2").arg(warnings).arg(stopsText);
 }
+
+namespace {
+CheckTally tallyOf(const QList<CheckFinding>& findings) {
+    CheckTally tally;
+    for (const CheckFinding& finding : findings)
+        tally.add(finding);
+    return tally;
+}
+} // namespace
 
 ScriptCheck::Verdict ScriptCheck::verdict() const {
-    Verdict verdict = Verdict::Clean;
-    for (const CheckFinding& finding : findings) {
-        if (finding.level == CheckFinding::Level::Stop)
-            return Verdict::Stops;
-        if (finding.level == CheckFinding::Level::Warning)
-            verdict = Verdict::Warnings;
-    }
-    return verdict;
+    return tallyOf(findings).verdict();
 }
 
-ScriptCheck checkScript(const ScriptText& script) {
-    return Checker(script).run();
+QString ScriptCheck::verdictName() const {
+    return tallyOf(findings).verdictName();
+}
+
+QString ScriptCheck::verdictText() const {
+    return tallyOf(findings).verdictText();
+}
+
+void checkScript(const ScriptText& script, const CheckOptions& options, CheckSink& sink) {
+    Checker(script, options, sink).run();
+}
+
+ScriptCheck checkScript(const ScriptText& script, const CheckOptions& options) {
+    ScriptCheck check;
+    check.pmsMode = script.pmsMode;
+    check.protocolType = script.protocolType;
+    Keeper keeper(check);
+    checkScript(script, options, keeper);
+    return check;
 }
 
 } // namespace larkspur

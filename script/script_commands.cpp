@@ -24,18 +24,28 @@ QList<ScriptCommand> buildTable() {
         QList<FieldColumn> copies = {{1, mailboxWidth, Field::txt_ls_pilot}};
         if (message.extra)
             copies.append({mailboxWidth + 1, message.extraWidth, *message.extra});
-        table.append({message.code, copies, press(*message.button), *message.button, message.name});
+        table.append({message.code, copies, press(*message.button),
+                      [code = message.code](const PressInput& input, PressSteps& steps) {
+                          pressVmail(code, input, steps);
+                      },
+                      *message.button, message.name});
     }
     for (const HotelMessage& message : hotelMessages()) {
         for (const QString& word : message.scriptWords) {
+            const auto stepsOf = [](const QString& code) {
+                return [code](const PressInput& input, PressSteps& steps) {
+                    pressHotel(code, input, steps);
+                };
+            };
             if (message.code == u"RST") {
                 const QString level = word.right(1);
                 table.append({word, message.columns,
                               [level](Session& s) { s.send_station_restriction(level); },
-                              message.button, message.name + QStringLiteral(" level ") + level});
+                              stepsOf(message.code + level), message.button,
+                              message.name + QStringLiteral(" level ") + level});
             } else {
-                table.append(
-                    {word, message.columns, press(message.button), message.button, message.name});
+                table.append({word, message.columns, press(message.button), stepsOf(message.code),
+                              message.button, message.name});
             }
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "protocol/message_catalogue.h"
+#include "transactions/press_steps.h"
 
 #include <QList>
 #include <QString>
@@ -17,6 +18,9 @@ struct ScriptCommand {
     QString word;
     QList<FieldColumn> copies;
     std::function<void(Session&)> press;
+    // The steps that press takes for the fields it reads, without a session: the very rules the
+    // transaction applies, for the script check.
+    std::function<void(const PressInput&, PressSteps&)> steps;
     // The control it presses and the catalogue's name for what that sends, for reports.
     Control button;
     QString name;

@@ -16,29 +16,63 @@ public:
     Protocol protocolType = Protocol::Hyatt;
     QByteArray text;
 
-    // A line of the file that is not in the text, and why.
+    // Lines of the file that are not in the text, and why; a run of comment lines or of blank
+    // lines is one entry. Twelve bytes each, for a script may hold a comment before every line.
     struct LeftOut {
-        enum class Reason { Comment, Blank, HoldsVmail, LastLine };
+        enum class Reason : quint8 { Comment, Blank, HoldsVmail, LastLine };
         int fileLine;
-        Reason reason;
-        QByteArray line; // kept for a line holding "VMAIL" and for the last line only
+        int lastLine : 29; // the last line of the run; fileLine for a single line
+        Reason reason : 3;
+        int keptBefore; // how many lines of the file before it are kept
     };
+    static_assert(sizeof(LeftOut) <= 12);
     QList<LeftOut> leftOut;
+    // The text of a left-out line holding "VMAIL" or of the last line; empty for any other.
+    QByteArray leftOutLine(int fileLine) const;
+
+    // How the file's bytes are encoded, as its first bytes tell. The runner reads one byte a
+    // character whatever they are; the check names anything else.
+    enum class Encoding {
+        Bytes,        // 8-bit text, as scripts are
+        Utf8WithMark, // starts with the UTF-8 byte order mark EF BB BF
+        Utf16LE,      // UTF-16, low byte first: FF FE, or every other byte NUL from the second
+        Utf16BE,      // UTF-16, high byte first: FE FF, or every other byte NUL from the first
+    };
+    Encoding encoding = Encoding::Bytes;
+    bool utf16Marked = false; // UTF-16 that starts with its byte order mark
+
+    // A line holding bytes an editor may not show: NUL bytes, or a line end of another kind
+    // than the file's own (a lone LF or CR in a file whose lines end in CR LF), which the runner
+    // takes as a line end all the same.
+    struct Oddity {
+        enum class Kind { Nul, LoneLf, LoneCr };
+        Kind kind;
+        int fileLine;
+        int column; // Nul: the first; LoneLf, LoneCr: where the line end stands
+        int count;  // Nul: how many the line holds
+    };
+    // The first maxOddities of them, by line; oddityCount counts them all.
+    QList<Oddity> oddities;
+    qsizetype oddityCount = 0;
+    static constexpr qsizetype maxOddities = 100;
 
     // The file's line number of the kept line holding the 1-based `position` of the text; 0 for
     // the ETX at its end.
     int fileLineAt(qsizetype position) const;
+    // The file's line number of the kept line `keptIndex` (0 for the first kept line).
+    int fileLineOfKept(qsizetype keptIndex) const;
 
 private:
     friend ScriptText readScript(const QByteArray& file);
 
-    // Where the kept lines stop following each other in the file: from kept line `keptIndex` on,
-    // they start again at `fileLine`.
-    struct Resume {
-        qsizetype keptIndex;
+    // The lines kept for leftOutLine, by line: where each stands in one pool of their text.
+    struct KeptLine {
         int fileLine;
+        int start; // a script holds at most maxScriptBytes
+        int size;
     };
-    QList<Resume> m_resumes;
+    QList<KeptLine> m_leftOutLines;
+    QByteArray m_leftOutText;
     // The last lookup, so a walk from the top to the end counts each line once.
     mutable qsizetype m_seenPosition = 0;
     mutable qsizetype m_seenLines = 0;

@@ -137,7 +137,8 @@ ScriptStep readStep(const ScriptText& script, qsizetype position) {
         step.kind = ScriptStep::Kind::End;
     } else {
         step.kind = ScriptStep::Kind::Unrecognized;
-        step.stopCommand = step.word;
+        // On one line, whatever bytes the word holds: a NUL, a line end, a byte order mark.
+        step.stopCommand = toReadable(step.word.toLatin1());
         step.stopReason =
             QStringLiteral("unrecognized command \"%1\"").arg(toReadable(step.word.toLatin1()));
     }

@@ -45,7 +45,8 @@ struct ScriptStep {
     // Where the next command starts; 0 when the run cannot go on after this one (a voice-mail
     // line without a "~" after it).
     qsizetype next = 0;
-    // Unrecognized, or a step with no next: what the "Command: " notice names, and why.
+    // Unrecognized, or a step with no next: what the "Command: " notice names (in the readable
+    // notation), and why.
     QString stopCommand;
     QString stopReason;
 };

@@ -6,23 +6,18 @@
 
 namespace larkspur {
 
-namespace {
-const HotelTransaction checkIn = roomTransaction(QStringLiteral("CHK1"));
-const HotelTransaction checkOut = roomTransaction(QStringLiteral("CHK0"));
-} // namespace
-
 void Session::cmd_chk_in() {
     if (inVmailMode(*this))
         send_vmail_operation(*this, VmailOperation::CheckIn);
     else
-        sendToRooms(*this, checkIn);
+        sendToRooms(*this, hotelTransaction(QStringLiteral("CHK1")));
 }
 
 void Session::cmd_chk_out() {
     if (inVmailMode(*this))
         send_vmail_operation(*this, VmailOperation::CheckOut);
     else
-        sendToRooms(*this, checkOut);
+        sendToRooms(*this, hotelTransaction(QStringLiteral("CHK0")));
 }
 
 } // namespace larkspur

@@ -40,6 +40,10 @@ QString get_wakeup_time(QString& time) {
     return time;
 }
 
+QString roomForm(const QString& text) {
+    return verify_string(text, 5, QStringLiteral("R"));
+}
+
 QString filter_printable(const QString& text, OperatorInterface& op) {
     QString kept;
     for (QChar c : text) {

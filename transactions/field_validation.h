@@ -21,6 +21,11 @@ QString verify_member(const QString& text, qint16 width);
 // time is overwritten with "NotValid". Returns the (possibly overwritten) time.
 QString get_wakeup_time(QString& time);
 
+// A room number in its sent form: five characters, right-justified; "NotValid" when empty or
+// longer. The hotel transactions apply it to the blank-trimmed field, the linked-suite pilots and
+// the expected-message waits to the field as it stands.
+QString roomForm(const QString& text);
+
 // Keeps characters below 127 other than blank, telling the operator each character's code first.
 QString filter_printable(const QString& text, OperatorInterface& op);
 

@@ -1,8 +1,10 @@
 #include "transactions/hotel_pattern.h"
 
+#include "core/operator_interface.h"
 #include "protocol/message_catalogue.h"
 #include "transactions/field_validation.h"
 #include "transactions/session.h"
+#include "transactions/session_press.h"
 
 namespace larkspur {
 
@@ -28,52 +30,107 @@ HotelTransaction roomTransaction(const QString& code) {
     return {.rule = sendRule(code), .body = codeAndRoom(code)};
 }
 
-QString roomForm(const QString& trimmed) {
-    return verify_string(trimmed, 5, QStringLiteral("R"));
+QString sentForm(const PressInput& input, Field field, QString (*check)(const QString&)) {
+    const QString typed = input.text(field);
+    return input.errorMode ? typed : check(trimBlanks(typed));
 }
 
-QString sentForm(const Session& session, Field field, QString (*check)(const QString&)) {
-    const QString& typed = session.fields.text(field);
-    return session.errorMode() ? typed : check(trimBlanks(typed));
-}
-
-void sendToRooms(Session& session, const HotelTransaction& transaction) {
-    Link& link = session.link;
-    if (link.waitingForAck())
-        return;
+void pressRooms(const HotelTransaction& transaction, const PressInput& input, PressSteps& steps) {
     bool frameSent = false;
-    int attempt = 1;
     for (Field roomField : roomFields) {
-        RoomMessage message{sentForm(session, roomField, roomForm), {}};
+        RoomMessage message{sentForm(input, roomField, roomForm), {}};
         // In error mode a malformed room goes out on purpose, but an empty field is still skipped.
         const bool sendable =
-            !message.room.isEmpty() && (message.room != NotValid || session.errorMode());
+            !message.room.isEmpty() && (message.room != NotValid || input.errorMode);
         if (!sendable) {
+            // Told once, for the five fields, of which the first is the room of a script line.
             if (!frameSent && roomField == roomFields.back())
-                session.log.logLine(transaction.noRoomLine);
+                steps.refuse({roomFields.front(), transaction.noRoomLine});
             continue;
         }
+        PressMessage out;
+        out.fields.append({roomField, message.room});
         const ExtraField* invalid = nullptr;
         for (const ExtraField& extra : transaction.extras) {
-            message.extras.append(sentForm(session, extra.source, extra.check));
-            if (!session.errorMode() && message.extras.last() == NotValid) {
+            message.extras.append(sentForm(input, extra.source, extra.check));
+            if (!input.errorMode && message.extras.last() == NotValid) {
                 invalid = &extra;
                 break;
             }
+            out.fields.append({extra.source, message.extras.last()});
         }
         if (invalid) {
-            session.log.logLine(invalid->invalidLine);
+            steps.refuse({invalid->source, invalid->invalidLine});
             continue;
         }
         frameSent = true;
-        const QString body = transaction.body(message);
-        const QString reported = transaction.reported ? transaction.reported(message) : body;
-        if (!session.reportSent(
-                sendHotelMessage(link, session.errors, transaction.rule, body, attempt, reported),
-                body))
+        out.body = transaction.body(message);
+        out.reported = transaction.reported ? transaction.reported(message) : out.body;
+        if (!steps.send(out))
             return;
-        session.recorder.record(body);
     }
+}
+
+void pressHotel(const QString& code, const PressInput& input, PressSteps& steps) {
+    pressRooms(hotelTransaction(code), input, steps);
+}
+
+PressInput sessionInput(const Session& session) {
+    return {.text = [&session](Field field) { return session.fields.text(field); },
+            .errorMode = session.errorMode(),
+            .protocol = session.link.protocolType};
+}
+
+void SessionPress::refuse(const FieldRefusal& refusal) {
+    if (refusal.notice)
+        m_session.operatorInterface.notify(refusal.text);
+    else
+        m_session.log.logLine(refusal.text);
+    m_said.append(refusal.text);
+    Q_EMIT m_session.fieldRefused(refusal.text);
+}
+
+bool SessionPress::send(const PressMessage& message) {
+    m_sent = true;
+    return deliver(message);
+}
+
+void SessionPress::finish() {
+    if (!m_sent && !m_said.isEmpty())
+        Q_EMIT m_session.pressRefused(m_said.join(QLatin1Char('\n')));
+}
+
+namespace {
+
+// Every frame of one click shares one retry counter; each acknowledged frame is recorded.
+class HotelPress : public SessionPress {
+public:
+    HotelPress(Session& session, const HotelMessageRule& rule)
+        : SessionPress(session), m_rule(rule) {}
+
+protected:
+    bool deliver(const PressMessage& message) override {
+        if (!m_session.reportSent(sendHotelMessage(m_session.link, m_session.errors, m_rule,
+                                                   message.body, m_attempt, message.reported),
+                                  message.body))
+            return false;
+        m_session.recorder.record(message.body);
+        return true;
+    }
+
+private:
+    const HotelMessageRule& m_rule;
+    int m_attempt = 1;
+};
+
+} // namespace
+
+void sendToRooms(Session& session, const HotelTransaction& transaction) {
+    if (session.link.waitingForAck())
+        return;
+    HotelPress press(session, transaction.rule);
+    pressRooms(transaction, sessionInput(session), press);
+    press.finish();
 }
 
 } // namespace larkspur

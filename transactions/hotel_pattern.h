@@ -3,6 +3,7 @@
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "transactions/fields.h"
+#include "transactions/press_steps.h"
 #include "transactions/send_sequences.h"
 
 #include <QString>
@@ -54,11 +55,20 @@ MessageText codeTextAndRoom(const QString& code);
 // A transaction of the catalogue's message `code` whose body is code, blank and room.
 HotelTransaction roomTransaction(const QString& code);
 
-// A room number in its sent form: five characters, right-justified; NotValid otherwise.
-QString roomForm(const QString& trimmed);
+// Every hotel transaction by its catalogue code: "CHK1", "NAM4", "WKP", "RST" + the level. A code
+// the table does not hold is a programming error.
+const HotelTransaction& hotelTransaction(const QString& code);
 
 // The field as the transaction sends it: as typed in error mode, else blank-trimmed and checked.
-QString sentForm(const Session& session, Field field, QString (*check)(const QString&));
+QString sentForm(const PressInput& input, Field field, QString (*check)(const QString&));
+
+// One press of the transaction: every usable room field in order, each room's extra fields
+// checked, one message per room. A room field that is empty (or, outside error mode, invalid) is
+// skipped; when the last one is skipped and nothing was sent, `noRoomLine` is refused.
+void pressRooms(const HotelTransaction& transaction, const PressInput& input, PressSteps& steps);
+
+// The session's reading of its own fields for a press.
+PressInput sessionInput(const Session& session);
 
 // Sends the transaction to every usable room field in order, one ENQ exchange and one frame
 // each, all frames of the click sharing one retry counter. The first failure ends the click;

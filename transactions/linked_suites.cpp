@@ -1,9 +1,10 @@
 // Linked suites: a pilot and up to four member rooms that the PBX treats as one. Each STE
-// button only picks the code; two senders build and send the message.
+// button only picks the code; one sender builds and sends the message.
 #include "core/operator_interface.h"
 #include "transactions/field_validation.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"
+#include "transactions/session_press.h"
 
 #include <vector>
 
@@ -14,98 +15,127 @@ namespace {
 // A refused line bid is logged and recorded but not counted; five unanswered frames are.
 const HotelMessageRule suiteRule = sendRule(QStringLiteral("STE"));
 
+const QString invalidPilot = QStringLiteral("Invalid link suite pilot number!");
+
 // One field of the message in its sent form, what follows it, and what is logged when invalid.
 struct SuiteField {
+    Field field;
     QString value;
     QString separator;
     QString invalidLine;
 };
 
-QString pilotForm(const Session& session, Field field) {
-    const QString& typed = session.fields.text(field);
-    return session.errorMode() ? typed : verify_string(typed, 5, QStringLiteral("R"));
+// A pilot goes out as it stands, right-justified, untrimmed.
+SuiteField pilot(const PressInput& input, Field field, const QString& invalidLine) {
+    const QString typed = input.text(field);
+    return {field, input.errorMode ? typed : roomForm(typed), QStringLiteral(" "), invalidLine};
 }
 
-QString memberForm(const Session& session, Field field) {
-    const QString& typed = session.fields.text(field);
-    return session.errorMode() ? typed : verify_member(trimBlanks(typed), 5);
+// A member is blank-trimmed and right-justified, with a blank after it; an empty member is no
+// member. In error mode it goes out as typed, with nothing after it.
+SuiteField member(const PressInput& input, Field field, int number) {
+    const QString typed = input.text(field);
+    const QString invalidLine = QStringLiteral("Invalid member number %1!").arg(number);
+    if (input.errorMode)
+        return {field, typed, QString(), invalidLine};
+    const QString form = verify_member(trimBlanks(typed), 5);
+    if (form.isEmpty() || form == NotValid)
+        return {field, form, QString(), invalidLine};
+    return {field, form.chopped(1), form.right(1), invalidLine};
 }
 
-// The body is the code and the fields with their separators, less its last character: the blank
-// after the last member or pilot, or in error mode whatever was typed last.
-void sendSuite(Session& session, const QString& code, const std::vector<SuiteField>& fields) {
-    if (session.link.waitingForAck())
-        return;
-    if (!session.errorMode()) {
+// The one frame of a press, with its own retry counter; recorded when acknowledged.
+class SuitePress : public SessionPress {
+public:
+    using SessionPress::SessionPress;
+
+protected:
+    bool deliver(const PressMessage& message) override {
+        int attempt = 1;
+        if (!m_session.reportSent(sendHotelMessage(m_session.link, m_session.errors, suiteRule,
+                                                   message.body, attempt, message.body),
+                                  message.body))
+            return false;
+        m_session.recorder.record(message.body);
+        return true;
+    }
+};
+
+} // namespace
+
+void pressLinkedSuite(const QString& word, const PressInput& input, PressSteps& steps) {
+    std::vector<SuiteField> fields{pilot(input, Field::txt_ls_pilot, invalidPilot)};
+    // STE5 changes the pilot: the new pilot stands in the first member's field, and the other
+    // members are not sent. Every other code sends the pilot and up to four members.
+    if (word == u"STE5") {
+        fields.push_back(pilot(input, Field::txt_suite_1,
+                               QStringLiteral("Invalid link suite pilot  number 2!")));
+    } else {
+        for (int i = 0; i < 4; ++i)
+            fields.push_back(member(input, roomFields[i], i + 1));
+    }
+    if (!input.errorMode) {
         for (const SuiteField& field : fields) {
             if (field.value == NotValid) {
-                session.log.logLine(field.invalidLine);
+                steps.refuse({field.field, field.invalidLine});
                 return;
             }
         }
     }
-    QString body = code;
-    for (const SuiteField& field : fields)
-        body += field.value + field.separator;
-    body.chop(1);
-    int attempt = 1;
-    if (session.reportSent(
-            sendHotelMessage(session.link, session.errors, suiteRule, body, attempt, body), body))
-        session.recorder.record(body);
+    // The body is the code and the fields with their separators, less its last character: the
+    // blank after the last member or pilot, or in error mode whatever was typed last.
+    PressMessage message;
+    message.body = word + u' ';
+    for (const SuiteField& field : fields) {
+        message.body += field.value + field.separator;
+        if (!field.value.isEmpty())
+            message.fields.append({field.field, field.value});
+    }
+    message.body.chop(1);
+    message.reported = message.body;
+    steps.send(message);
 }
 
-const QString invalidPilot = QStringLiteral("Invalid link suite pilot number!");
-
-} // namespace
-
-void Session::send_linked_suite(const QString& code) {
-    std::vector<SuiteField> suiteFields{
-        {pilotForm(*this, Field::txt_ls_pilot), QStringLiteral(" "), invalidPilot}};
-    for (int i = 0; i < 4; ++i)
-        suiteFields.push_back({memberForm(*this, roomFields[i]), QString(),
-                               QStringLiteral("Invalid member number %1!").arg(i + 1)});
-    sendSuite(*this, code, suiteFields);
-}
-
-void Session::send_linked_suite_pilot(const QString& code) {
-    sendSuite(*this, code,
-              {{pilotForm(*this, Field::txt_ls_pilot), QStringLiteral(" "), invalidPilot},
-               {pilotForm(*this, Field::txt_suite_1), QStringLiteral(" "),
-                QStringLiteral("Invalid link suite pilot  number 2!")}});
+void Session::send_linked_suite(const QString& word) {
+    if (link.waitingForAck())
+        return;
+    SuitePress press(*this);
+    pressLinkedSuite(word, sessionInput(*this), press);
+    press.finish();
 }
 
 void Session::cmd_ste0() {
-    send_linked_suite(QStringLiteral("STE0 "));
+    send_linked_suite(QStringLiteral("STE0"));
 }
 void Session::cmd_ste1() {
-    send_linked_suite(QStringLiteral("STE1 "));
+    send_linked_suite(QStringLiteral("STE1"));
 }
 void Session::cmd_ste2() {
-    send_linked_suite(QStringLiteral("STE2 "));
+    send_linked_suite(QStringLiteral("STE2"));
 }
 void Session::cmd_ste3() {
-    send_linked_suite(QStringLiteral("STE3 "));
+    send_linked_suite(QStringLiteral("STE3"));
 }
 void Session::cmd_ste4() {
-    send_linked_suite(QStringLiteral("STE4 "));
+    send_linked_suite(QStringLiteral("STE4"));
 }
 void Session::cmd_ste5() {
-    send_linked_suite_pilot(QStringLiteral("STE5 "));
+    send_linked_suite(QStringLiteral("STE5"));
 }
 void Session::cmd_ste6() {
-    send_linked_suite(QStringLiteral("STE6 "));
+    send_linked_suite(QStringLiteral("STE6"));
 }
 void Session::cmd_ste7() {
-    send_linked_suite(QStringLiteral("STE7 "));
+    send_linked_suite(QStringLiteral("STE7"));
 }
 void Session::cmd_ste8() {
-    send_linked_suite(QStringLiteral("STE8 "));
+    send_linked_suite(QStringLiteral("STE8"));
 }
 void Session::cmd_steA() {
-    send_linked_suite(QStringLiteral("STEA "));
+    send_linked_suite(QStringLiteral("STEA"));
 }
 void Session::cmd_steB() {
-    send_linked_suite(QStringLiteral("STEB "));
+    send_linked_suite(QStringLiteral("STEB"));
 }
 
 void Session::cmd_ste_explain() {

@@ -87,8 +87,8 @@ public:
     void cmd_steA();
     void cmd_steB();
     void cmd_ste_explain();
-    void send_linked_suite(const QString& code);
-    void send_linked_suite_pilot(const QString& code);
+    // Sends the linked-suite message of `word`, "STE0" .. "STEB".
+    void send_linked_suite(const QString& word);
 
     // Tells how one message of a transaction ended; true when the PBX took it.
     bool reportSent(SendResult result, const QString& message);
@@ -121,6 +121,12 @@ Q_SIGNALS:
     // One message of a transaction reached its end: `message` is what was sent (the body, or a
     // voice-mail operation's log line).
     void transactionEnded(larkspur::SendResult result, const QString& message);
+    // A transaction refused one of its fields: `text` is the line it logged ("Invalid Time!") or,
+    // in voice mail, the notice it gave.
+    void fieldRefused(const QString& text);
+    // A transaction sent nothing because it refused its fields; `text` is everything it logged or
+    // told, a line each.
+    void pressRefused(const QString& text);
 
 private:
     bool m_errorMode = false;

@@ -71,6 +71,29 @@ TEST_F(CheckScriptTest, ShowsTheRowsAndMarksThoseWithWarnings) {
     }
 }
 
+TEST_F(CheckScriptTest, ShowsWhatTheTransactionsWillLogInTheWindowsErrorMode) {
+    const QString path = scriptFile("CHK1   101\r\nWKP0799  101\r\n;\r\n");
+    CheckScriptDialog* dialog = openCheck(path);
+    ASSERT_TRUE(dialog);
+    auto* table = dialog->findChild<QTableWidget*>("checkScriptTable");
+    ASSERT_EQ(table->rowCount(), 2);
+    EXPECT_TRUE(table->item(1, 0)->text().startsWith("!"));
+    EXPECT_TRUE(table->item(1, 0)->toolTip().contains(
+        "the run logs \"Invalid Time!\" then \"no valid room number\" and sends nothing"))
+        << table->item(1, 0)->toolTip().toStdString();
+    auto* findings = dialog->findChild<QListWidget*>("checkScriptFindings");
+    EXPECT_TRUE(findings->item(0)->text().startsWith("line 2: warning: WKP0 time (columns 4-7)"))
+        << findings->item(0)->text().toStdString();
+
+    // In Error Mode the time goes out as it stands.
+    find<QAbstractButton>("chk_error")->click();
+    dialog = openCheck(path);
+    EXPECT_FALSE(table->item(1, 0)->text().startsWith("!"));
+    EXPECT_TRUE(dialog->findChild<QLabel*>("checkScriptSummary")
+                    ->text()
+                    .contains("clean: every command plays as written"));
+}
+
 TEST_F(CheckScriptTest, RunsTheCheckedScriptOnlyWhenRunScriptCould) {
     pbxAcknowledges();
     CheckScriptDialog* dialog = openCheck(scriptFile("CHK1   101\r\n;\r\n"));

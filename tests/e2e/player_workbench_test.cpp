@@ -7,6 +7,13 @@
 #include <QJsonObject>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <vector>
+
 using namespace larkspur::test;
 
 namespace {
@@ -76,6 +83,105 @@ TEST_F(Player, CheckSpeaksJson) {
     EXPECT_EQ(kinds, QStringList({"passed-over", "unrecognized", "comment", "last-line"}));
 }
 
+TEST_F(Player, CheckForeseesWhatTheTransactionsLogAndSend) {
+    const struct {
+        const char* name;
+        QStringList options;
+        QByteArray script;
+        int status;
+        const char* mustPrint;
+    } cases[] = {
+        {"an invalid wake-up time",
+         {},
+         "WKP0799  101\r\n;\r\n",
+         1,
+         "line 1: warning: WKP0 time (columns 4-7) \"0799\": the run logs \"Invalid Time!\" then "
+         "\"no valid room number\" and sends nothing"},
+        {"error mode sends it as it stands",
+         {"--error-mode"},
+         "WKP0799  101\r\n;\r\n",
+         0,
+         "clean: every command plays as written"},
+        {"members past the fourth",
+         {},
+         "STE0   101   102   103   104   105   106\r\n;\r\n",
+         1,
+         "line 1: warning: STE0 past member 4 (columns 38-40) \"106\" is not sent"},
+        {"a UTF-8 byte order mark",
+         {},
+         "\xEF\xBB\xBF; hotel\r\nCHK1   101\r\n;\r\n",
+         3,
+         "line 1: warning: the file starts with a UTF-8 byte order mark"},
+    };
+    for (const auto& c : cases) {
+        out.clear();
+        err.clear();
+        start(QStringList{"--check"} + c.options + QStringList{script(c.script)});
+        EXPECT_EQ(finish(), c.status) << c.name << "\n" << out.toStdString();
+        EXPECT_TRUE(out.contains(c.mustPrint)) << c.name << "\n" << out.toStdString();
+    }
+}
+
+// The peak resident memory of larkspur-run with `arguments`, its output dropped; -1 when it did
+// not exit with `status`.
+long peakKilobytes(const QStringList& arguments, const QString& home, int status) {
+    const QByteArray program = LARKSPUR_RUN_PATH;
+    QList<QByteArray> strings = {program};
+    for (const QString& a : arguments)
+        strings << QFile::encodeName(a);
+    std::vector<char*> argv;
+    for (QByteArray& a : strings)
+        argv.push_back(a.data());
+    argv.push_back(nullptr);
+    QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
+    std::vector<char*> env = {homeVariable.data(), const_cast<char*>("QT_QPA_PLATFORM=offscreen"),
+                              nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    pid_t pid = 0;
+    const int spawned =
+        posix_spawn(&pid, program.constData(), &actions, nullptr, argv.data(), env.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0)
+        return -1;
+    int exit = 0;
+    rusage usage{};
+    if (::wait4(pid, &exit, 0, &usage) != pid || !WIFEXITED(exit) || WEXITSTATUS(exit) != status)
+        return -1;
+    return usage.ru_maxrss;
+}
+
+TEST_F(Player, CheckingABigScriptCostsAtMostFourTimesItsSize) {
+#ifdef LARKSPUR_SANITIZE
+    GTEST_SKIP() << "the sanitizers' shadow memory would count in";
+#endif
+    // Some 5 MB of the hotel example's commands, a comment after the last.
+    QFile example(hotelExample);
+    ASSERT_TRUE(example.open(QIODevice::ReadOnly));
+    QList<QByteArray> commands;
+    for (const QByteArray& line : example.readAll().split('\n'))
+        if (!line.startsWith(';') && !line.trimmed().isEmpty())
+            commands << line.trimmed() + "\r\n";
+    QByteArray big;
+    big.reserve(5 * 1024 * 1024 + 64);
+    for (qsizetype i = 0; big.size() < 5 * 1024 * 1024; ++i)
+        big += commands[i % commands.size()];
+    big += ";\r\n";
+    const QString bigScript = file("big.txt", big);
+    const QString small = file("small.txt", "CHK1   101\r\n;\r\n");
+    for (const QStringList& options : {QStringList{"--check"}, QStringList{"--check", "--json"}}) {
+        const long baseline = peakKilobytes(options + QStringList{small}, home.path(), 0);
+        const long peak = peakKilobytes(options + QStringList{bigScript}, home.path(), 0);
+        ASSERT_GT(baseline, 0) << options.join(' ').toStdString();
+        ASSERT_GT(peak, 0) << options.join(' ').toStdString();
+        EXPECT_LE(peak - baseline, 4 * big.size() / 1024)
+            << options.join(' ').toStdString() << ": peak " << peak << " KB, baseline " << baseline
+            << " KB, script " << big.size() / 1024 << " KB";
+    }
+}
+
 TEST_F(Player, WorkbenchOptionsRefuseWhatDoesNotApply) {
     const QString s = script("CHK1   101\r\n;\r\n");
     const QList<QStringList> cases = {
@@ -134,6 +240,19 @@ TEST_F(Player, DryRunRehearsesFailures) {
             << c.pbx.join(' ').toStdString() << "\n"
             << out.toStdString() << err.toStdString();
     }
+}
+
+TEST_F(Player, ACommandThatSendsNothingForAnInvalidFieldFailsInJunit) {
+    const QString junit = home.filePath("r.xml");
+    start({"--dry-run", "--tcp", "127.0.0.1:9", "--junit", junit,
+           script("CHK1   101\r\nWKP0799  101\r\n;\r\n")});
+    EXPECT_EQ(finish(), 0) << "no transaction failed: the status follows the error count\n"
+                           << err.toStdString();
+    QFile report(junit);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QByteArray xml = report.readAll();
+    EXPECT_TRUE(xml.contains("tests=\"2\" failures=\"1\"")) << xml.toStdString();
+    EXPECT_TRUE(xml.contains("message=\"Invalid Time!\"")) << xml.toStdString();
 }
 
 TEST_F(Player, DryRunPlaysAThousandCommandsInVirtualTime) {

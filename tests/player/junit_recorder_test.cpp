@@ -44,12 +44,17 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
         {"a wait that times out", "WAIT STS2   101 1\r\n;\r\n", Answer::Ack,
          "Time expired.  Did not receive--> sts2"},
         {"unknown command", "STOP\r\n;\r\n", Answer::Ack, "unrecognized command \"STOP\""},
+        {"an invalid time: nothing sent", "WKP0799  101\r\n;\r\n", Answer::Ack,
+         "Invalid Time!\nno valid room number"},
+        {"no room: nothing sent", "CHK1      \r\n;\r\n", Answer::Ack, "no valid room number"},
+        {"error mode sends the invalid time", "WKP0799  101\r\n;\r\n", Answer::Ack, ""},
     };
     for (const Case& c : table) {
         SCOPED_TRACE(c.name);
         restart();
         cases.clear();
         pbx.options.onFrame = c.onFrame;
+        session.chk_error_Click(QString(c.name).startsWith("error mode"));
         play(c.script);
         ASSERT_EQ(cases.size(), 1);
         const JunitReport::Case& r = cases.first();

@@ -1,4 +1,9 @@
 #include "common/script_fixture.h"
+#include "script/expectation_waits.h"
+#include "script/script_check.h"
+#include "script/script_reader.h"
+
+using namespace Qt::StringLiterals;
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -123,6 +128,35 @@ TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
     EXPECT_EQ(op.notices, QStringList{"message not recgonized"});
     engine.cmb_notify_Click("");
     EXPECT_EQ(op.notices.size(), 1);
+}
+
+// The digit is one rule: what the lists take from the time field, what they record, what a
+// script line's digit waits and what the check says of it.
+TEST_F(ExpectationWait, ListsScriptsAndTheCheckReadTheDigitAlike) {
+    const struct {
+        QString text;
+        QString digit;
+    } cases[] = {{"3", "3"}, {"0", "0"}, {"x", "5"}, {"", "5"}, {"12", "5"}, {u"\u0663"_s, "5"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        EXPECT_EQ(waitDigit(c.text), c.digit);
+        restart();
+        session.fields.setText(Field::txt_suite_1, "101");
+        session.fields.setText(Field::txt_time, c.text);
+        pbxSends(frame("STS4   101"), 100);
+        engine.cmb_wait_Click("sts4");
+        EXPECT_EQ(session.recorder.scriptText(), "WAIT STS4   101 " + c.digit + "\r\n");
+        if (c.text.size() != 1 || c.text.at(0).unicode() > 0xFF)
+            continue;
+        const ScriptCheck check =
+            checkScript(readScript("WAIT STS4   101 " + c.text.toLatin1() + "\r\n;\r\n"));
+        ASSERT_EQ(check.rows.size(), 1);
+        const int seconds = waitSeconds(c.text);
+        EXPECT_TRUE(check.rows[0].drives.contains(seconds == 0
+                                                      ? QStringLiteral("no time limit")
+                                                      : QStringLiteral("up to %1 s").arg(seconds)))
+            << check.rows[0].drives.toStdString();
+    }
 }
 
 } // namespace

@@ -138,7 +138,30 @@ TEST_F(Runner, UnknownWordStopsTheScript) {
 
 TEST_F(Runner, BlankThenSemicolonIsAnUnknownCommand) {
     EXPECT_EQ(play(" ;x\r\n;\r\n"), Outcome::Unrecognized);
-    EXPECT_EQ(op.notices, QStringList{"Command:  ;x\r"});
+    EXPECT_EQ(op.notices, QStringList{"Command:  ;x\\x0D"});
+}
+
+TEST_F(Runner, TheUnknownCommandIsToldOnOneLineInTheReadableNotation) {
+    const struct {
+        const char* name;
+        QByteArray script;
+        QString notice;
+    } cases[] = {
+        {"UTF-8 byte order mark", "\xEF\xBB\xBF; comment\r\nCHK1   101\r\n;\r\n",
+         "Command: \\xEF\\xBB\\xBF;"},
+        {"UTF-16 with its mark", QByteArray("\xFF\xFE;\0 \0c\0\r\0\n\0;\0", 14),
+         "Command: \\xFF\\xFE;\\x00"},
+        {"a NUL in the word", QByteArray("CH\0K1   101\r\n;\r\n", 16), "Command: CH\\x00K"},
+        // The lone LF ends the line: the room is read across it, the next command after it.
+        {"a lone LF", "CHK1\n   101\r\n;\r\n", "Command: \\x0D\\x0A<ETX>"},
+        {"a tag character", "<STX>\r\n;\r\n", "Command: \\x3CSTX"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        restart();
+        EXPECT_EQ(play(c.script), Outcome::Unrecognized);
+        EXPECT_EQ(op.notices, QStringList{c.notice});
+    }
 }
 
 TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {

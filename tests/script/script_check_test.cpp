@@ -35,7 +35,11 @@ const QByteArray vmailCheckIn = "\x02"
                                 "4";
 const QByteArray vmailCheckOut = "\x02"
                                  "34001  \x03"
-                                 "4";
+                                 "5";
+// HYATT pads the body to 13.
+const QByteArray vmailCheckInHyatt = "\x02"
+                                     "24001        \x03"
+                                     "4";
 
 TEST_F(Check, FindsWhatWillNotPlayAsWritten) {
     struct Case {
@@ -103,7 +107,7 @@ TEST_F(Check, FindsWhatWillNotPlayAsWritten) {
          {"field-overrun@2", "field-overrun@2"},
          {}},
         {"comments, blank lines and a header are notes only",
-         "VMAILHYATT\r\n; c\r\n; d\r\n\r\n" + vmailCheckIn + "~\r\n;\r\n",
+         "VMAILHYATT\r\n; c\r\n; d\r\n\r\n" + vmailCheckInHyatt + "~\r\n;\r\n",
          Verdict::Clean,
          {"5:2 2"},
          {},
@@ -182,6 +186,429 @@ TEST_F(Check, ListsExactlyTheCommandsTheRunnerPlays) {
         EXPECT_EQ(listed, played);
         EXPECT_EQ(result.verdict() == Verdict::Stops,
                   outcome == ScriptEngine::RunOutcome::Unrecognized);
+    }
+}
+
+// Each rule of the transactions, as the check tells it: the lines the run will log, or what it
+// will send instead of the line.
+TEST_F(Check, ForeseesWhatTheTransactionsLogAndSend) {
+    const QByteArray name21 = "Smith                ";
+    struct Case {
+        const char* name;
+        QByteArray line;
+        bool errorMode;
+        QString kind; // the finding on line 1; empty: none
+        QStringList refusals;
+        QStringList sends;
+        QString text; // a part of the finding's text
+        int firstColumn = 0, lastColumn = 0;
+    } cases[] = {
+        {"a wake-up time past 59 minutes",
+         "WKP0799  101",
+         false,
+         "refused",
+         {"Invalid Time!", "no valid room number"},
+         {},
+         "WKP0 time (columns 4-7) \"0799\": the run logs \"Invalid Time!\" then \"no valid room "
+         "number\" and sends nothing",
+         4,
+         7},
+        {"error mode sends the time as it stands",
+         "WKP0799  101",
+         true,
+         "",
+         {},
+         {"WKP0799  101"},
+         ""},
+        {"a time of three digits",
+         "WKP073   101",
+         false,
+         "refused",
+         {"Invalid Time!", "no valid room number"},
+         {},
+         "\"073 \""},
+        {"a blank room",
+         "CHK1      ",
+         false,
+         "refused",
+         {"no valid room number"},
+         {},
+         "CHK1 room (columns 6-10) \"     \": the run logs \"no valid room number\""},
+        {"a blank room in error mode goes out blank",
+         "CHK1      ",
+         true,
+         "",
+         {},
+         {"CHK1      "},
+         ""},
+        {"a restriction without a room",
+         "RST3      ",
+         false,
+         "refused",
+         {"No valid room number"},
+         {},
+         "\"No valid room number\""},
+        {"a blank amount",
+         "LMT1   101      ",
+         false,
+         "refused",
+         {"Invalid Name!", "no valid room number"},
+         {},
+         "credit (columns 12-16)",
+         12,
+         16},
+        {"a blank name",
+         "NAM2 " + QByteArray(21, ' ') + "  101",
+         false,
+         "refused",
+         {"Invalid Name!", "no valid room number"},
+         {},
+         "name (columns 6-26)"},
+        {"a blank department",
+         "DPT1" + QByteArray(13, ' ') + "101",
+         false,
+         "refused",
+         {"Invalid Department!", "no valid room number"},
+         {},
+         "\"Invalid Department!\""},
+        {"a blank location",
+         "LOC2" + QByteArray(13, ' ') + "101",
+         false,
+         "refused",
+         {"Invalid Location!", "no valid room number"},
+         {},
+         "\"Invalid Location!\""},
+        {"a transfer without its room",
+         "NAM4 " + name21 + "  101     ",
+         false,
+         "refused",
+         {"Invalid Transfer Room Number!", "no valid room number"},
+         {},
+         "second room (columns 32-36)"},
+        {"a transfer sends to both rooms",
+         "NAM4 " + name21 + "  101  102",
+         false,
+         "",
+         {},
+         {"NAM4 " + name21 + "  101  102", "NAM4 " + name21 + "  102  102"},
+         ""},
+        {"a name with a blank before it",
+         "NAM1  Smith                 101",
+         false,
+         "sends-otherwise",
+         {},
+         {"NAM1 " + name21 + "  101"},
+         "NAM1 name (columns 6-26) \" Smith               \" goes out as \"Smith                "
+         "\"; the run sends \"NAM1 Smith                  101\" where the line holds \"NAM1  "
+         "Smith                 101\"",
+         6,
+         26},
+        {"a room written on the left",
+         "CHK0 101  ",
+         false,
+         "sends-otherwise",
+         {},
+         {"CHK0   101"},
+         "room (columns 6-10) \"101  \" goes out as \"  101\""},
+        {"a linked suite without a pilot",
+         "STE0",
+         false,
+         "refused",
+         {"Invalid link suite pilot number!"},
+         {},
+         "STE0: the run logs \"Invalid link suite pilot number!\" and sends nothing"},
+        {"a change of pilot without the new one",
+         "STE5   101",
+         false,
+         "refused",
+         {"Invalid link suite pilot  number 2!"},
+         {},
+         "number 2!"},
+        {"six members: two dropped",
+         "STE0   101   102   103   104   105   106   107",
+         false,
+         "sends-otherwise",
+         {},
+         {"STE0   101   102   103   104   105"},
+         "STE0 past member 4 (columns 38-46) \"106   107\" is not sent; the run sends \"STE0   "
+         "101   102   103   104   105\"",
+         38,
+         46},
+        {"a change of pilot sends two rooms",
+         "STE5   101   104   105",
+         false,
+         "sends-otherwise",
+         {},
+         {"STE5   101   104"},
+         "member 2 (columns 18-22) \"  105\" is not sent"},
+        {"a blank member moves the next one up",
+         "STE0   101         103",
+         false,
+         "sends-otherwise",
+         {},
+         {"STE0   101   103"},
+         "member 1 (columns 12-16) \"     \" is not sent"},
+        {"blanks after the last member are nothing",
+         "STE0   101   102      ",
+         false,
+         "",
+         {},
+         {"STE0   101   102"},
+         ""},
+        {"error mode runs the members together",
+         "STE0   101   102   103",
+         true,
+         "sends-otherwise",
+         {},
+         {"STE0   101   102  10"},
+         "STE0: the run sends \"STE0   101   102  10\" where the line holds \"STE0   101   102   "
+         "103\""},
+        {"an over-long suite line is told in short",
+         "STE0   101" + QByteArray(200, ' ') + "9",
+         false,
+         "sends-otherwise",
+         {},
+         {"STE0   101"},
+         "...\" (211 characters)"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const ScriptCheck result =
+            checkScript(readScript(c.line + "\r\n;\r\n"), {.errorMode = c.errorMode});
+        ASSERT_EQ(result.rows.size(), 1);
+        const CheckRow& row = result.rows.first();
+        EXPECT_EQ(row.refusals, c.refusals);
+        EXPECT_EQ(row.sends, c.sends);
+        EXPECT_EQ(row.asWritten, c.kind.isEmpty());
+        EXPECT_EQ(row.warned, !c.kind.isEmpty());
+        const QStringList warnings = kinds(result, Level::Warning);
+        EXPECT_EQ(warnings, c.kind.isEmpty() ? QStringList() : QStringList{c.kind + "@1"});
+        if (c.kind.isEmpty())
+            continue;
+        const CheckFinding& finding = result.findings.first();
+        EXPECT_TRUE(finding.text.contains(c.text)) << finding.text.toStdString();
+        if (c.firstColumn > 0) {
+            EXPECT_EQ(finding.firstColumn, c.firstColumn);
+            EXPECT_EQ(finding.lastColumn, c.lastColumn);
+        }
+    }
+}
+
+TEST_F(Check, ForeseesTheVoiceMailFrame) {
+    const struct {
+        const char* name;
+        QByteArray script;
+        QString kind;
+        QString text;
+    } cases[] = {
+        {"a recorded frame is what the run sends",
+         "VMAILHIS\r\n\x02"
+         "A4001  1234  \x03"
+         "C~\r\n;\r\n",
+         "", ""},
+        {"a mailbox with a blank before it",
+         "VMAILHIS\r\n\x02"
+         "2 4001 \x03"
+         "4~\r\n;\r\n",
+         "sends-otherwise", "mailbox (columns 3-8) \" 4001 \" goes out as \"4001  \""},
+        {"a check character the run does not send",
+         "VMAILHIS\r\n\x02"
+         "24001  \x03"
+         "X~\r\n;\r\n",
+         "sends-otherwise",
+         "2: the run sends \"<STX>24001  <ETX>4\" where the line holds \"<STX>24001  <ETX>X\""},
+        {"HYATT pads what HIS recorded",
+         "VMAILHYATT\r\n\x02"
+         "24001  \x03"
+         "4~\r\n;\r\n",
+         "sends-otherwise", "the run sends \"<STX>24001        <ETX>4\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const ScriptCheck result = check(c.script);
+        ASSERT_EQ(result.rows.size(), 1);
+        EXPECT_EQ(kinds(result, Level::Warning),
+                  c.kind.isEmpty() ? QStringList() : QStringList{c.kind + "@2"});
+        if (!c.kind.isEmpty()) {
+            EXPECT_TRUE(result.findings[1].text.contains(c.text))
+                << result.findings[1].text.toStdString();
+        }
+    }
+}
+
+// The whole file: bytes an editor hides, named with what to do about them.
+TEST_F(Check, NamesTheEncodingAndTheBytesAnEditorHides) {
+    QByteArray utf16le, utf16be;
+    for (char c : QByteArray("CHK1   101\r\n;\r\n")) {
+        utf16le += QByteArray(1, c) + '\0';
+        utf16be += QByteArray(1, '\0') + c;
+    }
+    QByteArray manyNuls;
+    for (int i = 0; i < 150; ++i)
+        manyNuls += QByteArray("; \0\r\n", 5);
+    const struct {
+        const char* name;
+        QByteArray file;
+        QString first; // the first warning, kind@line; empty: none
+        QString text;  // a part of it
+    } cases[] = {
+        {"UTF-8 byte order mark", "\xEF\xBB\xBF; hotel\r\nCHK1   101\r\n;\r\n", "utf8-bom@1",
+         "the file starts with a UTF-8 byte order mark (\\xEF\\xBB\\xBF), which the runner reads "
+         "as three characters at the start of line 1; save the script without the mark"},
+        {"UTF-16 with its mark", "\xFF\xFE" + utf16le, "utf16@1",
+         "the file is UTF-16 (low byte first, with its byte order mark \\xFF\\xFE)"},
+        {"UTF-16 without a mark", utf16be, "utf16@1",
+         "the file is UTF-16 (high byte first, without a byte order mark): the runner reads one "
+         "byte a character, so every other character is a NUL byte"},
+        {"a NUL in a command", QByteArray("CHK1   1\0001\r\n;\r\n", 15), "nul@1",
+         "holds a NUL byte (\\x00), column 9"},
+        {"a lone LF in a CR LF file", "CHK1   101\r\nNAM1 Smith\n                 101\r\n;\r\n",
+         "line-end@2",
+         "ends in column 11 with a lone LF (\\x0A), where the file's other lines end in CR LF"},
+        {"a lone CR", "CHK1   101\rCHK0   101\r\n;\r\n", "line-end@1", "lone CR (\\x0D)"},
+        {"LF alone ends every line: nothing to tell", "CHK1   101\nCHK0   101\n;\n", "", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const ScriptCheck result = check(c.file);
+        const QStringList warnings = kinds(result, Level::Warning);
+        if (c.first.isEmpty()) {
+            EXPECT_TRUE(warnings.isEmpty()) << warnings.join(' ').toStdString();
+            continue;
+        }
+        ASSERT_FALSE(warnings.isEmpty());
+        EXPECT_EQ(warnings.first(), c.first);
+        const auto finding =
+            std::find_if(result.findings.cbegin(), result.findings.cend(),
+                         [](const CheckFinding& f) { return f.level == Level::Warning; });
+        EXPECT_TRUE(finding->text.contains(c.text)) << finding->text.toStdString();
+    }
+
+    // The first hundred are told one by one, the rest counted.
+    const ScriptCheck many = check(manyNuls + "CHK1   101\r\n;\r\n");
+    const QStringList warnings = kinds(many, Level::Warning);
+    ASSERT_EQ(warnings.size(), 100);
+    EXPECT_EQ(warnings.last(), "nul@100");
+    EXPECT_TRUE(many.findings[100].text.endsWith(
+        "; 50 more lines hold NUL bytes or lone line ends, which the check does not list"))
+        << many.findings[100].text.toStdString();
+}
+
+TEST_F(Check, TellsFindingsInTheOrderOfTheirLines) {
+    // A misfit's finding waits for the commands read from mid-line after it; the notes of the
+    // lines between come after it all the same.
+    const ScriptCheck result =
+        check("CHK1   101\r\nCHK1  101\r\n; note\r\nXCHK1   101\r\nWAIT xyz 5\r\n"
+              "WKP0799  101\r\n;\r\n");
+    QStringList order;
+    for (const CheckFinding& f : result.findings)
+        order << QStringLiteral("%1@%2").arg(f.kind).arg(f.line);
+    EXPECT_EQ(order, QStringList({"misfit@2", "comment@3", "passed-over@5", "unrecognized@5",
+                                  "comment@7"}));
+    EXPECT_TRUE(
+        result.findings[0].text.endsWith("the commands read from mid-line after it: line 4"))
+        << result.findings[0].text.toStdString();
+}
+
+// What the check foresees for each command is what the run logs and sends: exactly the fields
+// the check read for a command it calls as written, something else for one it warns about.
+TEST_F(Check, TheRunRefusesAndSendsWhatTheCheckForesees) {
+    const QByteArray name21 = "Jones                ";
+    const QByteArray hotel =
+        "CHK1   101\r\nWKP0799  101\r\nWKP0730  101\r\nLMT1   101      \r\n"
+        "NAM4 " +
+        name21 + "  101  102\r\nNAM4 " + name21 +
+        "  101     \r\n"
+        "NAM1  Jones" +
+        QByteArray(15, ' ') +
+        "  101\r\nCHK0 101  \r\nRST5      \r\n"
+        "DPT1 SALES       101\r\nLOC3" +
+        QByteArray(13, ' ') +
+        "101\r\n"
+        "STE0   101   102   103   104   105   106\r\nSTE5   101   104   105\r\n"
+        "STE0   101         103\r\nSTE4\r\nSTEB   104   \r\n;\r\n";
+    const QByteArray vmail = "VMAILHIS\r\n\x02"
+                             "24001  \x03"
+                             "4~\r\n\x02"
+                             "2 4001 \x03"
+                             "4~\r\n\x02"
+                             "74001  4002  \x03"
+                             "0~\r\n\x02"
+                             "84001    \x03"
+                             "=~\r\n;\r\n";
+    for (const QByteArray& script : {hotel, vmail}) {
+        for (const bool errorMode : {false, true}) {
+            SCOPED_TRACE(errorMode ? "error mode" : "checked fields");
+            restart();
+            session.chk_error_Click(errorMode);
+            struct Played {
+                QList<QByteArray> frames;
+                QStringList refusals;
+            };
+            QList<Played> played;
+            qsizetype written = 0;
+            const auto startConnection =
+                QObject::connect(&engine, &ScriptEngine::commandStarted, [&] {
+                    played.append(Played{});
+                    written = tcp.written.size();
+                });
+            const auto endConnection =
+                QObject::connect(&engine, &ScriptEngine::commandFinished, [&] {
+                    for (const QByteArray& w : tcp.written.mid(written))
+                        if (w.startsWith('\x02'))
+                            played.last().frames << w;
+                });
+            const auto refusalConnection =
+                QObject::connect(&session, &Session::fieldRefused,
+                                 [&](const QString& text) { played.last().refusals << text; });
+            play(script);
+            QObject::disconnect(startConnection);
+            QObject::disconnect(endConnection);
+            QObject::disconnect(refusalConnection);
+
+            ScriptCheck result = checkScript(readScript(script), {.errorMode = errorMode});
+            result.rows.removeIf([](const CheckRow& row) { return !row.plays; });
+            EXPECT_EQ(kinds(result, Level::Stop), QStringList());
+            ASSERT_EQ(result.rows.size(), played.size());
+            const bool vmailScript = result.pmsMode == PmsMode::Vmail;
+            for (qsizetype i = 0; i < played.size(); ++i) {
+                const CheckRow& row = result.rows[i];
+                SCOPED_TRACE(QStringLiteral("line %1").arg(row.line).toStdString());
+                QList<QByteArray> foreseen;
+                for (const QString& body : row.sends)
+                    foreseen << (vmailScript ? body.toLatin1() : "\x02" + body.toLatin1() + "\x03");
+                EXPECT_EQ(played[i].frames, foreseen);
+                EXPECT_EQ(played[i].refusals, row.refusals);
+                EXPECT_TRUE(row.asWritten || row.warned);
+                // As written: the first frame holds each field the check read in its columns,
+                // and is the line from the command on (voice mail: up to its "~").
+                const QByteArray first = played[i].frames.value(0);
+                const QByteArray line = script.split('\n').value(row.line - 1).chopped(1);
+                QByteArray sent = vmailScript || first.isEmpty() ? first : first.mid(1).chopped(1);
+                QByteArray holds = vmailScript ? line.mid(row.column - 2).split('~').first()
+                                               : line.mid(row.column - 1, sent.size());
+                // Blanks that end a linked-suite line are nothing.
+                if (row.command.startsWith(u"STE")) {
+                    sent = sent.trimmed();
+                    holds = line.mid(row.column - 1).trimmed();
+                }
+                const bool verbatim =
+                    std::all_of(row.fields.cbegin(), row.fields.cend(),
+                                [&](const CheckedField& f) {
+                                    const int at = f.firstColumn - row.column + 1;
+                                    // Blanks that end a linked-suite line are nothing.
+                                    QByteArray text = f.text.toLatin1();
+                                    while (row.command.startsWith(u"STE") && text.endsWith(' '))
+                                        text.chop(1);
+                                    return first.mid(at, text.size()) == text;
+                                }) &&
+                    sent == holds;
+                if (row.asWritten)
+                    EXPECT_TRUE(played[i].refusals.isEmpty() && !first.isEmpty() && verbatim);
+                else
+                    EXPECT_TRUE(!played[i].refusals.isEmpty() || first.isEmpty() || !verbatim);
+            }
+        }
     }
 }
 

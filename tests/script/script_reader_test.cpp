@@ -78,3 +78,91 @@ TEST(ScriptReader, KnowsTheFileLineOfEveryKeptLine) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(ScriptReader, KeepsRunsOfLeftOutLinesAsOne) {
+    const ScriptText s =
+        readScript("; a\r\n; b\r\n\r\n  \r\nCHK1   101\r\n; c\r\nxVMAILx\r\nCHK0   101\r\n");
+    using Reason = ScriptText::LeftOut::Reason;
+    ASSERT_EQ(s.leftOut.size(), 5);
+    const struct {
+        int first, last;
+        Reason reason;
+    } runs[] = {{1, 2, Reason::Comment},
+                {3, 4, Reason::Blank},
+                {6, 6, Reason::Comment},
+                {7, 7, Reason::HoldsVmail},
+                {8, 8, Reason::LastLine}};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(s.leftOut[i].fileLine, runs[i].first) << i;
+        EXPECT_EQ(s.leftOut[i].lastLine, runs[i].last) << i;
+        EXPECT_EQ(s.leftOut[i].reason, runs[i].reason) << i;
+    }
+    EXPECT_EQ(s.leftOutLine(7), "xVMAILx");
+    EXPECT_EQ(s.leftOutLine(8), "CHK0   101");
+    EXPECT_EQ(s.leftOutLine(6), QByteArray()) << "a comment's text is not kept";
+}
+
+TEST(ScriptReader, TellsTheEncodingByTheFirstBytes) {
+    using Encoding = ScriptText::Encoding;
+    const struct {
+        QByteArray file;
+        Encoding encoding;
+        bool marked;
+    } cases[] = {
+        {"CHK1   101\r\n;\r\n", Encoding::Bytes, false},
+        {"\xEF\xBB\xBF;\r\n", Encoding::Utf8WithMark, false},
+        {QByteArray("\xFF\xFE;\0\r\0\n\0", 8), Encoding::Utf16LE, true},
+        {QByteArray("\xFE\xFF\0;\0\r\0\n", 8), Encoding::Utf16BE, true},
+        {QByteArray("C\0H\0K\0001\0", 8), Encoding::Utf16LE, false},
+        {QByteArray("\0C\0H\0K\0001", 8), Encoding::Utf16BE, false},
+        // A NUL here and there is no UTF-16.
+        {QByteArray("CHK1\0  101\r\n;\r\n", 15), Encoding::Bytes, false},
+        {QByteArray("\0", 1), Encoding::Bytes, false},
+    };
+    for (const auto& c : cases) {
+        const ScriptText s = readScript(c.file);
+        EXPECT_EQ(s.encoding, c.encoding) << c.file.toHex().toStdString();
+        EXPECT_EQ(s.utf16Marked, c.marked) << c.file.toHex().toStdString();
+    }
+}
+
+TEST(ScriptReader, FindsNulBytesAndLoneLineEnds) {
+    using Kind = ScriptText::Oddity::Kind;
+    const ScriptText s = readScript(QByteArray("CHK1   101\r\n"    // 1
+                                               "CH\0K1 \0 101\r\n" // 2: two NULs from column 3
+                                               "NAM1 Smith\n"      // 3: a lone LF in column 11
+                                               "CHK0   101\r"      // 4: a lone CR in column 11
+                                               ";\r\n",
+                                               50));
+    ASSERT_EQ(s.oddities.size(), 3);
+    EXPECT_EQ(s.oddityCount, 3);
+    const struct {
+        Kind kind;
+        int line, column, count;
+    } expected[] = {{Kind::Nul, 2, 3, 2}, {Kind::LoneLf, 3, 11, 1}, {Kind::LoneCr, 4, 11, 1}};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(s.oddities[i].kind, expected[i].kind) << i;
+        EXPECT_EQ(s.oddities[i].fileLine, expected[i].line) << i;
+        EXPECT_EQ(s.oddities[i].column, expected[i].column) << i;
+        EXPECT_EQ(s.oddities[i].count, expected[i].count) << i;
+    }
+    // Where every line ends in LF, or in CR, none is lone.
+    EXPECT_TRUE(readScript("CHK1   101\nCHK0   101\n;\n").oddities.isEmpty());
+    EXPECT_TRUE(readScript("CHK1   101\rCHK0   101\r;\r").oddities.isEmpty());
+    // In UTF-16 every other byte is a NUL: the encoding says it all.
+    EXPECT_TRUE(readScript(QByteArray("\xFF\xFE;\0\r\0\n\0", 8)).oddities.isEmpty());
+}
+
+TEST(ScriptReader, CountsOdditiesPastTheFirstHundred) {
+    QByteArray file;
+    for (int i = 0; i < 250; ++i)
+        file += QByteArray("; \0\r\n", 5);
+    const ScriptText s = readScript(file);
+    EXPECT_EQ(s.oddities.size(), ScriptText::maxOddities);
+    EXPECT_EQ(s.oddityCount, 250);
+    EXPECT_EQ(s.oddities.last().fileLine, 100);
+}
+
+} // namespace

@@ -1,5 +1,10 @@
 #include "common/session_fixture.h"
 
+#include "protocol/message_catalogue.h"
+#include "transactions/session_buttons.h"
+
+#include <QSignalSpy>
+
 using namespace larkspur;
 using namespace larkspur::test;
 using sim::Answer;
@@ -9,133 +14,93 @@ namespace {
 
 class HotelTransactions : public SessionFixture {};
 
-// One room (101, or 12 for the restriction) with the second field each transaction needs.
+// The catalogue's entry for the message the button of `action` sends (the restriction list is
+// a list, not a button).
+const HotelMessage& catalogued(Action action) {
+    QList<SessionButton> buttons = sessionButtons();
+    buttons.append({Control::cmb_restrict, &Session::cmb_restrict_Click});
+    for (const SessionButton& button : std::as_const(buttons))
+        if (button.operation == action)
+            for (const HotelMessage& message : hotelMessages())
+                if (message.button == button.control)
+                    return message;
+    qFatal("no catalogued message for the action");
+}
+
+// One room (101, or 12 for the restriction) with the second field each transaction needs. What
+// the log and the error report say of each message is the catalogue's entry for its button.
 struct Transaction {
     const char* what;
     Action action;
     FieldTexts fields;
-    QString logPrefix;
     QString body;
     qsizetype length;
-    QString failureSentence;
     QString reported = {}; // the failure lines' text when it is not the body
+    const HotelMessage& message() const { return catalogued(action); }
 };
 
-const QString nack = "-> PBX DID NOT ACKnowkledge the ";
 const Transaction transactions[] = {
-    {"check in",
-     &Session::cmd_chk_in,
-     {{txt_suite_1, "101"}},
-     "Sending     -->",
-     "CHK1   101",
-     10,
-     nack + "Check in message:"},
-    {"check out",
-     &Session::cmd_chk_out,
-     {{txt_suite_1, "101"}},
-     "Sending   -->",
-     "CHK0   101",
-     10,
-     nack + "Check out message:"},
+    {"check in", &Session::cmd_chk_in, {{txt_suite_1, "101"}}, "CHK1   101", 10},
+    {"check out", &Session::cmd_chk_out, {{txt_suite_1, "101"}}, "CHK0   101", 10},
     {"add name",
      &Session::cmd_name_1,
      {{txt_suite_1, "101"}, {Text1, " Smith "}},
-     "Sending  -->",
      "NAM1 Smith                  101",
-     31,
-     nack + "Add name message:"},
+     31},
     {"replace name",
      &Session::cmd_replace_name,
      {{txt_suite_1, "101"}, {Text1, "Smith"}},
-     "Sending   -->",
      "NAM2 Smith                  101",
-     31,
-     nack + "replace name message:"},
+     31},
     {"delete name",
      &Session::Command6,
      {{txt_suite_1, "101"}, {Text1, "Smith"}},
-     "Sending   -->",
      "NAM3 Smith                  101",
-     31,
-     nack + "delete message:"},
-    {"mw on",
-     &Session::cmd_msg_wait,
-     {{txt_suite_1, "101"}},
-     "Sending  -->",
-     "MW 1   101",
-     10,
-     nack + "message waiting on message:"},
-    {"mw off",
-     &Session::cmd_message_waiting_0,
-     {{txt_suite_1, "101"}},
-     "Sending  -->",
-     "MW 0   101",
-     10,
-     nack + "message waiting off message:"},
+     31},
+    {"mw on", &Session::cmd_msg_wait, {{txt_suite_1, "101"}}, "MW 1   101", 10},
+    {"mw off", &Session::cmd_message_waiting_0, {{txt_suite_1, "101"}}, "MW 0   101", 10},
     {"credit",
      &Session::cmd_set_credit,
      {{txt_suite_1, "101"}, {txt_credit, "500"}},
-     "Sending  -->",
      "LMT1   101   500",
-     16,
-     nack + "credit limit msg:"},
+     16},
     {"wake up",
      &Session::cmd_wakeup,
      {{txt_suite_1, "101"}, {txt_time, "0730"}},
-     "Sending  -->",
      "WKP0730  101",
      12,
-     nack + "wakeup message:",
      "WKP 0730  101"},
-    {"restriction",
-     &Session::cmb_restrict_Click,
-     {{txt_suite_1, "12"}},
-     "Send     -->",
-     "RST2    12",
-     10,
-     nack + "Station Restriction Message:"},
+    {"restriction", &Session::cmb_restrict_Click, {{txt_suite_1, "12"}}, "RST2    12", 10},
     {"add department",
      &Session::cmd_dept,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
-     "Sending  -->",
      "DPT1 SALES       101",
-     20,
-     nack + "add department message:"},
+     20},
     {"replace department",
      &Session::cmd_department_2,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
-     "Sending   -->",
      "DPT2 SALES       101",
-     20,
-     nack + "replace department message:"},
+     20},
     {"delete department",
      &Session::cmd_department_3,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
-     "Sending   -->",
      "DPT3 SALES       101",
-     20,
-     nack + "delete department message:"},
+     20},
     {"add location",
      &Session::cmd_loc,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
-     "Sending  -->",
      "LOC1 LOBBY       101",
-     20,
-     nack + "add location message:"},
+     20},
     {"replace location",
      &Session::cmd_location_2,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
-     "Sending  -->",
      "LOC2 LOBBY       101",
-     20,
-     nack + "replace location message:"},
+     20},
     {"delete location",
      &Session::cmd_location_3,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
-     "Sending  -->",
      "LOC3 LOBBY       101",
-     20,
-     nack + "delete location message:"},
+     20},
 };
 
 TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
@@ -146,9 +111,21 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
         ASSERT_EQ(t.body.size(), t.length);
         click(t.fields, t.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(t.body.toLatin1())}));
-        EXPECT_EQ(lines(), (grantedBid() + QStringList{t.logPrefix + t.body, "Received--> ACK"}));
+        EXPECT_EQ(lines(),
+                  (grantedBid() + QStringList{t.message().logPrefix + t.body, "Received--> ACK"}));
         EXPECT_EQ(session.recorder.scriptText(), t.body + "\r\n");
         EXPECT_EQ(session.errors.errorCount(), 0);
+    }
+}
+
+TEST_F(HotelTransactions, EveryMessageAScriptCanSendIsTried) {
+    for (const HotelMessage& message : hotelMessages()) {
+        // Transfer Name sends two messages: it has a test of its own below.
+        if (message.scriptWords.isEmpty() || &message == &catalogued(&Session::cmd_xfer_name))
+            continue;
+        EXPECT_TRUE(std::any_of(std::cbegin(transactions), std::cend(transactions),
+                                [&](const Transaction& t) { return &t.message() == &message; }))
+            << message.code.toStdString();
     }
 }
 
@@ -163,11 +140,12 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
         EXPECT_EQ(tcp.written,
                   QList<QByteArray>({ENQ}) + QList<QByteArray>(5, frame(t.body.toLatin1())));
         const QString reported = t.reported.isEmpty() ? t.body : t.reported;
+        const HotelMessage& m = t.message();
         EXPECT_EQ(lines().mid(lines().size() - 4),
-                  QStringList({t.logPrefix + t.body, "Received--> NAK", stamp() + t.failureSentence,
+                  QStringList({m.logPrefix + t.body, "Received--> NAK", stamp() + m.failureSentence,
                                reported}));
         EXPECT_EQ(session.errors.errorReport(),
-                  stamp() + t.failureSentence + "\n" + reported + "\n\n");
+                  stamp() + m.failureSentence + "\n" + reported + "\n\n");
         EXPECT_EQ(session.errors.errorCount(), 1);
         EXPECT_TRUE(session.recorder.scriptText().isEmpty());
     }
@@ -251,7 +229,8 @@ TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
     click({{txt_suite_1, "101"}, {txt_suite_2, "205"}, {Text1, "Smith"}}, &Session::cmd_xfer_name);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("NAM4 Smith                  101  205"),
                                               ENQ, frame("NAM4 Smith                  205  205")}));
-    EXPECT_EQ(lines()[2], "Sending   -->NAM4 Smith                  101  205");
+    EXPECT_EQ(lines()[2], catalogued(&Session::cmd_xfer_name).logPrefix +
+                              "NAM4 Smith                  101  205");
     EXPECT_EQ(session.recorder.scriptText(), "NAM4 Smith                  101  205\r\n"
                                              "NAM4 Smith                  205  205\r\n");
 }
@@ -291,10 +270,24 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
     for (const Case& c : cases) {
         restart();
         session.chooseRestriction("option 3");
+        QSignalSpy refusedFields(&session, &Session::fieldRefused);
+        QSignalSpy refusedPress(&session, &Session::pressRefused);
         click(c.fields, c.action);
         EXPECT_EQ(lines(), c.log);
         EXPECT_TRUE(tcp.written.isEmpty());
+        // Each line is a refused field; the press that sent nothing tells them all once.
+        EXPECT_EQ(refusedFields.size(), c.log.size());
+        ASSERT_EQ(refusedPress.size(), 1);
+        EXPECT_EQ(refusedPress[0][0].toString(), c.log.join('\n'));
     }
+}
+
+TEST_F(HotelTransactions, APressThatSendsIsNoRefusal) {
+    QSignalSpy refusedPress(&session, &Session::pressRefused);
+    // The first room is too long and skipped without a word; the second goes out.
+    click({{txt_suite_1, "123456"}, {txt_suite_3, "103"}}, &Session::cmd_chk_in);
+    EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK1   103")}));
+    EXPECT_TRUE(refusedPress.isEmpty());
 }
 
 TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {

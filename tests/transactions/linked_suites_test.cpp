@@ -1,4 +1,5 @@
 #include "common/session_fixture.h"
+#include "protocol/message_catalogue.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -7,7 +8,11 @@ using enum Field;
 
 namespace {
 
-class LinkedSuites : public SessionFixture {};
+class LinkedSuites : public SessionFixture {
+protected:
+    // What the log and the error report say of a linked-suite message: the catalogue's.
+    const HotelMessage& suite = hotelMessage("STE");
+};
 
 TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
     struct Case {
@@ -35,7 +40,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         (session.*c.action)();
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(c.body.toLatin1())}));
         const QStringList log =
-            grantedBid() + QStringList{"Sending    -->" + c.body, "Received--> ACK"};
+            grantedBid() + QStringList{suite.logPrefix + c.body, "Received--> ACK"};
         EXPECT_EQ(lines(), log);
         EXPECT_EQ(session.recorder.scriptText(), c.body + "\r\n");
     }
@@ -67,8 +72,8 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
     pbx.options.onFrame = Answer::Silent;
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "102"}}, &Session::cmd_ste4);
     const QString body = "STE4   101   102";
-    const QString sentence = "-> PBX DID NOT ACKnowkledge the link suite message:";
-    const QStringList log = grantedBid() + QStringList(5, "Sending    -->" + body) +
+    const QString sentence = suite.failureSentence;
+    const QStringList log = grantedBid() + QStringList(5, suite.logPrefix + body) +
                             QStringList{stamp() + sentence, body};
     EXPECT_EQ(lines(), log);
     EXPECT_EQ(session.errors.errorReport(), stamp() + sentence + "\n" + body + "\n\n");

@@ -2,6 +2,7 @@
 
 #include "protocol/frame.h"
 #include "records/error_records.h"
+#include "transactions/hotel_pattern.h"
 #include "transactions/send_sequences.h"
 
 using namespace larkspur;
@@ -10,12 +11,10 @@ using sim::Answer;
 
 namespace {
 
-const HotelMessageRule checkIn{
-    "Sending     -->", "-> PBX DID NOT ACKnowkledge the Check in message:", true, true, true};
-const HotelMessageRule checkOut{
-    "Sending   -->", "-> PBX DID NOT ACKnowkledge the Check out message:", false, true, true};
-const HotelMessageRule restriction{
-    "Sending  -->", "-> PBX DID NOT ACKnowkledge the RST message:", false, false, false};
+// The rules of three messages, from the catalogue.
+const HotelMessageRule checkIn = sendRule("CHK1");
+const HotelMessageRule checkOut = sendRule("CHK0");
+const HotelMessageRule restriction = sendRule("RST");
 
 class SendSequence : public LinkFixture {
 protected:
@@ -31,7 +30,7 @@ TEST_F(SendSequence, AcknowledgedAtOnce) {
     EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Acknowledged);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK0   101")}));
     EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK",
-                                    "Sending   -->CHK0   101", "Received--> ACK"}));
+                                    checkOut.logPrefix + "CHK0   101", "Received--> ACK"}));
     EXPECT_EQ(errors.errorCount(), 0);
     EXPECT_EQ(attempt, 1);
 }
@@ -45,9 +44,8 @@ TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
     EXPECT_NEAR(pump.elapsedMs(), 100 + 5 * 5100, 200);
     const QString s = stamp();
     EXPECT_EQ(lines().mid(lines().size() - 2),
-              QStringList({s + "-> PBX DID NOT ACKnowkledge the Check in message:", "CHK1   101"}));
-    EXPECT_EQ(errors.errorReport(),
-              s + "-> PBX DID NOT ACKnowkledge the Check in message:\nCHK1   101\n\n");
+              QStringList({s + checkIn.failureSentence, "CHK1   101"}));
+    EXPECT_EQ(errors.errorReport(), s + checkIn.failureSentence + "\nCHK1   101\n\n");
     EXPECT_EQ(errors.errorCount(), 1);
 }
 

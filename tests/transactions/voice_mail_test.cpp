@@ -1,5 +1,8 @@
 #include "common/session_fixture.h"
 
+#include "protocol/message_catalogue.h"
+#include "transactions/session_buttons.h"
+
 #include <QSignalSpy>
 
 using namespace larkspur;
@@ -20,6 +23,15 @@ protected:
     static QString vmailFrame(const QString& body) {
         return start_of_text() + body + end_of_text() + CRC(body + end_of_text());
     }
+    // The catalogue's entry for the operation the button of `action` carries.
+    static const VmailMessage& catalogued(Action action) {
+        for (const SessionButton& button : sessionButtons())
+            if (button.operation == action)
+                for (const VmailMessage& message : vmailMessages())
+                    if (message.button == button.control)
+                        return message;
+        qFatal("no catalogued operation for the action");
+    }
 };
 
 TEST_F(VoiceMail, EachButtonSendsItsOperation) {
@@ -29,48 +41,21 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         QString protocol;
         FieldTexts fields;
         QString body;
-        QString logLine;
     } cases[] = {
-        {"check in", &Session::cmd_chk_in, "HIS", {}, "24001  ", "CHECK IN: 4001"},
-        {"check in hyatt", &Session::cmd_chk_in, "HYATT", {}, "24001        ", "CHECK IN: 4001"},
-        {"check out", &Session::cmd_chk_out, "HIS", {}, "34001  ", "CHECK OUT: 4001"},
-        {"query", &Session::cmd_name_1, "HIS", {}, "64001  ", "QUERY MW STATUS: 4001"},
-        {"move",
-         &Session::Command6,
-         "HIS",
-         {{txt_suite_2, "4002"}},
-         "74001  4002  ",
-         "MOVE MAILBOX: 4001 TO: 4002"},
-        {"unread",
-         &Session::cmd_replace_name,
-         "HIS",
-         {{txt_department, "3"}},
-         "94001  3 ",
-         "TEXT MESSAGE MW: 4001 Unread: 3"},
+        {"check in", &Session::cmd_chk_in, "HIS", {}, "24001  "},
+        {"check in hyatt", &Session::cmd_chk_in, "HYATT", {}, "24001        "},
+        {"check out", &Session::cmd_chk_out, "HIS", {}, "34001  "},
+        {"query", &Session::cmd_name_1, "HIS", {}, "64001  "},
+        {"move", &Session::Command6, "HIS", {{txt_suite_2, "4002"}}, "74001  4002  "},
+        {"unread", &Session::cmd_replace_name, "HIS", {{txt_department, "3"}}, "94001  3 "},
         {"passcode check in",
          &Session::cmd_xfer_name,
          "HIS",
          {{txt_suite_1, "1234"}},
-         "A4001  1234  ",
-         "CHECK IN (Passwd): 4001 PASSCODE: 1234"},
-        {"passcode",
-         &Session::cmd_dept,
-         "HIS",
-         {{txt_suite_1, "99"}},
-         "B4001  99    ",
-         "CHANGE PASSCODE: 4001 PASSCODE: 99"},
-        {"id",
-         &Session::cmd_department_2,
-         "HIS",
-         {{txt_suite_3, "12345"}},
-         "D4001  12345 ",
-         "CHANGE ID: 4001 ID: 12345"},
-        {"fcos",
-         &Session::cmd_department_3,
-         "HIS",
-         {{txt_suite_4, "7"}},
-         "84001  7 ",
-         "MODIFY FCOS: 4001 FCOS: 7"},
+         "A4001  1234  "},
+        {"passcode", &Session::cmd_dept, "HIS", {{txt_suite_1, "99"}}, "B4001  99    "},
+        {"id", &Session::cmd_department_2, "HIS", {{txt_suite_3, "12345"}}, "D4001  12345 "},
+        {"fcos", &Session::cmd_department_3, "HIS", {{txt_suite_4, "7"}}, "84001  7 "},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -81,8 +66,12 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         const QString sent = vmailFrame(c.body);
         const bool checkIn = c.action == &Session::cmd_chk_in;
         EXPECT_EQ(tcp.written, QList<QByteArray>{sent.toLatin1()});
-        // the receiver reports the ACK itself; all but the check-in report it again
-        EXPECT_EQ(lines(), QStringList({c.logLine, "PBX ACKed"}) +
+        // The log line is the catalogue's: its label, the mailbox, and the second field's. The
+        // receiver reports the ACK itself; all but the check-in report it again.
+        const VmailMessage& m = catalogued(c.action);
+        const QString logLine =
+            m.label + "4001" + (m.extra ? m.extraLabel + session.fields.text(*m.extra) : QString());
+        EXPECT_EQ(lines(), QStringList({logLine, "PBX ACKed"}) +
                                (checkIn ? QStringList() : QStringList{"PBX ACKed"}));
         EXPECT_EQ(pump.elapsedMs() - start, 2000);
         EXPECT_EQ(session.lastVmailMessage(), checkIn ? QString() : sent);
@@ -113,32 +102,49 @@ TEST_F(VoiceMail, OverlongFieldsAreCutInTheirTextBoxes) {
 }
 
 TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
+    // Which field is left empty; its notice is the catalogue's.
+    enum class Empty { Mailbox, Extra };
     struct Case {
         Action action;
         FieldTexts fields;
-        QString notice;
+        Empty empty;
     } cases[] = {
-        {&Session::cmd_chk_in, {}, "Please enter a Mailbox Number"},
-        {&Session::Command6, {{txt_ls_pilot, "4001"}}, "Please enter a Mailbox Number"},
-        {&Session::Command6, {{txt_suite_2, "4002"}}, "Please enter a Mailbox Number"},
-        {&Session::cmd_replace_name,
-         {{txt_ls_pilot, "4001"}},
-         "Please enter a Number for 'Unread'"},
-        {&Session::cmd_xfer_name,
-         {{txt_ls_pilot, "4001"}},
-         "Please enter a Number for the PASCODE"},
-        {&Session::cmd_dept, {{txt_ls_pilot, "4001"}}, "Please enter a Number for the PASSCODE"},
-        {&Session::cmd_department_2, {{txt_ls_pilot, "4001"}}, "Please enter a Number for new ID"},
-        {&Session::cmd_department_3,
-         {{txt_ls_pilot, "4001"}},
-         "Please enter a Number for new FCOS"},
+        {&Session::cmd_chk_in, {}, Empty::Mailbox},
+        {&Session::Command6, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {&Session::Command6, {{txt_suite_2, "4002"}}, Empty::Mailbox},
+        {&Session::cmd_replace_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {&Session::cmd_xfer_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {&Session::cmd_dept, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {&Session::cmd_department_2, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {&Session::cmd_department_3, {{txt_ls_pilot, "4001"}}, Empty::Extra},
     };
     for (const Case& c : cases) {
         restart();
+        const QString notice =
+            c.empty == Empty::Mailbox ? mailboxMissingNotice() : catalogued(c.action).extraMissing;
+        ASSERT_FALSE(notice.isEmpty());
+        QSignalSpy refused(&session, &Session::pressRefused);
         click(c.fields, c.action);
-        EXPECT_EQ(op.notices, QStringList{c.notice});
+        EXPECT_EQ(op.notices, QStringList{notice});
         EXPECT_TRUE(tcp.written.isEmpty());
         EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+        ASSERT_EQ(refused.size(), 1);
+        EXPECT_EQ(refused[0][0].toString(), notice);
+    }
+}
+
+TEST_F(VoiceMail, EveryOperationOfAButtonIsTried) {
+    // The buttons of the two tables above, against the catalogue's operations.
+    const QList<Action> tried = {
+        &Session::cmd_chk_in, &Session::cmd_chk_out,      &Session::cmd_name_1,
+        &Session::Command6,   &Session::cmd_replace_name, &Session::cmd_xfer_name,
+        &Session::cmd_dept,   &Session::cmd_department_2, &Session::cmd_department_3};
+    for (const VmailMessage& message : vmailMessages()) {
+        if (!message.button)
+            continue;
+        EXPECT_TRUE(std::any_of(tried.cbegin(), tried.cend(), [&](Action a) {
+            return &catalogued(a) == &message;
+        })) << message.code.toStdString();
     }
 }
 

@@ -1,18 +1,12 @@
 // larkspur-run --check and --dry-run: a script checked without a link, and played against the
 // simulator inside the process as it plays against the real one.
+#include "common/peak_memory.h"
 #include "common/player_fixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-
-#include <vector>
 
 using namespace larkspur::test;
 
@@ -122,35 +116,11 @@ TEST_F(Player, CheckForeseesWhatTheTransactionsLogAndSend) {
     }
 }
 
-// The peak resident memory of larkspur-run with `arguments`, its output dropped; -1 when it did
-// not exit with `status`.
 long peakKilobytes(const QStringList& arguments, const QString& home, int status) {
-    const QByteArray program = LARKSPUR_RUN_PATH;
-    QList<QByteArray> strings = {program};
+    QList<QByteArray> encoded;
     for (const QString& a : arguments)
-        strings << QFile::encodeName(a);
-    std::vector<char*> argv;
-    for (QByteArray& a : strings)
-        argv.push_back(a.data());
-    argv.push_back(nullptr);
-    QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
-    std::vector<char*> env = {homeVariable.data(), const_cast<char*>("QT_QPA_PLATFORM=offscreen"),
-                              nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned =
-        posix_spawn(&pid, program.constData(), &actions, nullptr, argv.data(), env.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
-        return -1;
-    int exit = 0;
-    rusage usage{};
-    if (::wait4(pid, &exit, 0, &usage) != pid || !WIFEXITED(exit) || WEXITSTATUS(exit) != status)
-        return -1;
-    return usage.ru_maxrss;
+        encoded << QFile::encodeName(a);
+    return peakKilobytesOfRun(encoded, home, status);
 }
 
 TEST_F(Player, CheckingABigScriptCostsAtMostFourTimesItsSize) {

@@ -9,9 +9,6 @@ class Session;
 // The expected messages a wait can name, in the order of the lists.
 bool isExpectationItem(const QString& item);
 
-// What a recorded wait line says after "WAIT " / "NTFY " for `item`, without the digit.
-QString recordedExpectation(const QString& item, const QString& room, bool withNotice);
-
 // The time of a wait in seconds for its digit: 0 means no limit; anything but a digit counts as
 // 5, and `digit` becomes "5", as a met wait records it.
 int waitSeconds(QString& digit);

@@ -2,6 +2,7 @@
 
 #include "core/operator_interface.h"
 #include "protocol/message_catalogue.h"
+#include "records/script_lines.h"
 #include "transactions/session.h"
 
 namespace larkspur {
@@ -51,8 +52,7 @@ void send_vmail_operation(Session& session, VmailOperation operation) {
     session.reportSent(result, logLine);
     if (result == SendResult::Interrupted)
         return;
-    // The "~" marks a ready-made frame for the script runner.
-    session.recorder.record(frame + QLatin1Char('~'));
+    session.recorder.record(vmailScriptLine(frame));
 }
 
 } // namespace larkspur

@@ -1,23 +1,24 @@
 #include "records/run_statistics.h"
 
-#include <algorithm>
-
 namespace larkspur {
 
 qint64 RunStatistics::Row::minMs() const {
-    return answerMs.isEmpty() ? -1 : *std::min_element(answerMs.begin(), answerMs.end());
+    return answerMs.isEmpty() ? -1 : answerMs.firstKey();
 }
 
 qint64 RunStatistics::Row::maxMs() const {
-    return answerMs.isEmpty() ? -1 : *std::max_element(answerMs.begin(), answerMs.end());
+    return answerMs.isEmpty() ? -1 : answerMs.lastKey();
 }
 
 qint64 RunStatistics::Row::medianMs() const {
-    if (answerMs.isEmpty())
-        return -1;
-    QList<qint64> sorted = answerMs;
-    std::sort(sorted.begin(), sorted.end());
-    return sorted.at(sorted.size() / 2);
+    // The answer at index answered / 2 in ascending order.
+    qint64 before = answered / 2;
+    for (auto it = answerMs.cbegin(); it != answerMs.cend(); ++it) {
+        if (before < it.value())
+            return it.key();
+        before -= it.value();
+    }
+    return -1;
 }
 
 void RunStatistics::add(const ExchangeEvent& event) {
@@ -34,8 +35,10 @@ void RunStatistics::add(const ExchangeEvent& event) {
         ++row.timedOut;
         break;
     }
-    if (event.answerMs >= 0)
-        row.answerMs.append(event.answerMs);
+    if (event.answerMs >= 0) {
+        ++row.answerMs[event.answerMs];
+        ++row.answered;
+    }
 }
 
 void RunStatistics::addWait(const QString& item, bool succeeded, qint64 ms) {

@@ -169,9 +169,8 @@ const Link links[] = {{"tcp", [] { return tcpPair(512); }}, {"pty", [] { return 
 struct Received {
     QByteArray bytes;
     explicit Received(Transport& transport) {
-        QObject::connect(&transport, &Transport::dataReceived, [this, &transport] {
-            bytes += transport.readAll();
-        });
+        QObject::connect(&transport, &Transport::dataReceived,
+                         [this, &transport] { bytes += transport.readAll(); });
     }
 };
 
@@ -222,6 +221,28 @@ TEST(FdTransport, ALostLinkIsReportedOnceAfterWhatCameBeforeIt) {
         EXPECT_EQ(lost.count(), 1) << c.name;
         EXPECT_EQ(lost.at(0).at(0).toString(), pair.lostReason) << c.name;
         EXPECT_FALSE(pair.transport->isOpen()) << c.name;
+    }
+}
+
+TEST(FdTransport, APausedReaderLeavesBytesWaitingAndDrainedSaysWhenAllLeft) {
+    for (const Link& link : links) {
+        Pair pair = link.make();
+        auto& transport = static_cast<FdTransport&>(*pair.transport);
+        Received received(transport);
+        QSignalSpy drained(&transport, &FdTransport::drained);
+        transport.pauseReading(true);
+        pair.peer->send("held back");
+        waitUntil([] { return false; }, 100);
+        EXPECT_EQ(received.bytes, "") << link.name;
+        transport.pauseReading(false);
+        EXPECT_TRUE(waitUntil([&] { return received.bytes == "held back"; })) << link.name;
+
+        transport.write(pattern(megabyte, 3));
+        EXPECT_GT(transport.unsentBytes(), 0) << link.name;
+        ASSERT_TRUE(waitUntil([&] { return pair.peer->received.size() >= megabyte; }, 30000))
+            << link.name;
+        EXPECT_EQ(transport.unsentBytes(), 0) << link.name;
+        EXPECT_EQ(drained.count(), 1) << link.name;
     }
 }
 

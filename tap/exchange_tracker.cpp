@@ -82,23 +82,37 @@ QString ExchangeTracker::track(Side from, const MessageCutter::Message& message,
 }
 
 void ExchangeTracker::open(Exchange exchange) {
-    const Side from = exchange.from;
-    SideState& state = m_sides[int(from)];
+    SideState& state = m_sides[int(exchange.from)];
     state.pending = std::move(exchange);
     state.waiting = true;
-    const int id = ++state.id;
+    watchTheAnswer(state.pending.from);
+}
+
+void ExchangeTracker::watchTheAnswer(Side from) {
+    SideState& state = m_sides[int(from)];
+    if (state.timerArmed)
+        return;
+    state.timerArmed = true;
     const double deadline = state.pending.seconds + answerMs / 1000.0;
-    const qint64 dueMs = qMax<qint64>(0, msBetween(m_pump.monotonicSeconds(), deadline));
-    m_pump.schedule(dueMs, this, [this, from, id] {
-        SideState& s = m_sides[int(from)];
-        if (!s.waiting || s.id != id)
-            return;
-        close(from, ExchangeEvent::Outcome::TimedOut, s.pending.time.addMSecs(answerMs),
-              s.pending.seconds + answerMs / 1000.0,
-              QStringLiteral("no answer within %1 s to %2")
-                  .arg(answerMs / 1000)
-                  .arg(s.pending.description));
-    });
+    m_pump.schedule(qMax<qint64>(0, msBetween(m_pump.monotonicSeconds(), deadline)), this,
+                    [this, from] { onAnswerTimer(from); });
+}
+
+void ExchangeTracker::onAnswerTimer(Side from) {
+    SideState& state = m_sides[int(from)];
+    state.timerArmed = false;
+    if (!state.waiting)
+        return;
+    const double deadline = state.pending.seconds + answerMs / 1000.0;
+    if (m_pump.monotonicSeconds() + 0.0005 < deadline) {
+        // A later bid or frame than the one the timer was set for.
+        watchTheAnswer(from);
+        return;
+    }
+    close(from, ExchangeEvent::Outcome::TimedOut, state.pending.time.addMSecs(answerMs), deadline,
+          QStringLiteral("no answer within %1 s to %2")
+              .arg(answerMs / 1000)
+              .arg(state.pending.description));
 }
 
 void ExchangeTracker::close(Side from, ExchangeEvent::Outcome outcome, const QDateTime& time,

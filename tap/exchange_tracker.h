@@ -60,13 +60,17 @@ private:
     struct SideState {
         Exchange pending;
         bool waiting = false;
-        int id = 0; // which bid or frame a time-out belongs to
+        bool timerArmed = false;
         // The last bid and the last frame that got no ACK, for knowing a retry.
         Exchange unackedEnq;
         Exchange unackedFrame;
     };
 
     void open(Exchange exchange);
+    // One timer a side at a time, however fast bids and frames come: when it fires it looks at
+    // what waits then.
+    void watchTheAnswer(Side from);
+    void onAnswerTimer(Side from);
     void close(Side from, ExchangeEvent::Outcome outcome, const QDateTime& time, double seconds,
                const QString& note);
 

@@ -20,6 +20,7 @@ struct LineSink::Shared {
     std::condition_variable changed;
     QByteArray queued;
     bool writing = false;  // the thread holds a batch taken from `queued`
+    qint64 batchLines = 0; // in the batch being written
     bool stopping = false; // no more lines: write what is queued and end
     qint64 dropped = 0;
     qint64 droppedUnsaid = 0; // dropped since the last note about it
@@ -56,6 +57,7 @@ void LineSink::Shared::run() {
             if (queued.isEmpty())
                 return;
             batch.swap(queued);
+            batchLines = batch.count('\n');
             writing = true;
         }
         if (!writeAll(batch)) {
@@ -110,6 +112,12 @@ bool LineSink::finish(int timeoutMs) {
     const bool written = s.changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
                                             [&s] { return s.queued.isEmpty() && !s.writing; });
     return written && s.error.isEmpty() && s.dropped == 0;
+}
+
+qint64 LineSink::unwritten() const {
+    const Shared& s = *m_shared;
+    const std::lock_guard lock(m_shared->mutex);
+    return s.dropped + s.queued.count('\n') + (s.writing ? s.batchLines : 0);
 }
 
 qint64 LineSink::dropped() const {

@@ -29,6 +29,8 @@ public:
     bool finish(int timeoutMs);
 
     qint64 dropped() const;
+    // Lines that did not reach the descriptor: dropped, or still waiting when finish() gave up.
+    qint64 unwritten() const;
     // Why writing stopped, or empty.
     QString error() const;
 

@@ -209,18 +209,19 @@ int runTap(const TapOptions& o) {
                                     .arg(o.learn)
                                     .arg(learner->passedOver())));
 
-    if (!out.finish(lastLinesMs) && out.dropped() > 0)
+    if (!out.finish(lastLinesMs) && out.unwritten() > 0)
         printError(QStringLiteral("%1 trace lines could not be written to standard output")
-                       .arg(out.dropped()));
+                       .arg(out.unwritten()));
     bool outputsWhole = !(learnFile && learnFile->failed());
     if (traceFile) {
         if (!traceFile->finish(lastLinesMs)) {
             outputsWhole = false;
-            printError(
-                QStringLiteral("the trace %1 is not whole: %2")
-                    .arg(o.trace, traceFile->error().isEmpty()
-                                      ? QStringLiteral("%1 lines dropped").arg(traceFile->dropped())
-                                      : traceFile->error()));
+            printError(QStringLiteral("the trace %1 is not whole: %2 lines not written%3")
+                           .arg(o.trace)
+                           .arg(traceFile->unwritten())
+                           .arg(traceFile->error().isEmpty()
+                                    ? QString()
+                                    : QStringLiteral(" (%1)").arg(traceFile->error())));
         }
         // The descriptor stays open: a write left blocking must not land in a reused one.
     }

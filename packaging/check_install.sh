@@ -13,7 +13,7 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 
-for program in larkspur larkspur-run larkspur-pbxsim; do
+for program in larkspur larkspur-run larkspur-pbxsim larkspur-tap; do
     [ -x "$prefix/bin/$program" ] || fail "bin/$program is missing or not executable"
 done
 for file in share/applications/larkspur.desktop \
@@ -41,7 +41,7 @@ if command -v desktop-file-validate >/dev/null; then
         fail "desktop entry: $out"
 fi
 
-for page in larkspur larkspur-run larkspur-pbxsim; do
+for page in larkspur larkspur-run larkspur-pbxsim larkspur-tap; do
     gz="$prefix/share/man/man1/$page.1.gz"
     if [ ! -s "$gz" ]; then
         fail "share/man/man1/$page.1.gz is missing"
@@ -54,7 +54,7 @@ for page in larkspur larkspur-run larkspur-pbxsim; do
 done
 
 # Each option of a program's usage is described in its manual page.
-for program in larkspur-run larkspur-pbxsim; do
+for program in larkspur-run larkspur-pbxsim larkspur-tap; do
     gz="$prefix/share/man/man1/$program.1.gz"
     [ -s "$gz" ] || continue
     usage=$("$prefix/bin/$program" --help) || fail "$program --help exits with $?"

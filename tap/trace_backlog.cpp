@@ -2,22 +2,27 @@
 
 #include "core/event_pump.h"
 
+#include <cmath>
+
 namespace larkspur::tap {
 
 namespace {
-// What an entry without bytes weighs against a slice and the capacity.
+// What an entry weighs against a slice and the capacity beside its bytes: handling it and
+// keeping it cost something however few bytes it holds.
 constexpr qsizetype entryWeight = 64;
 } // namespace
 
 TraceBacklog::TraceBacklog(EventPump& pump, std::function<void(const TraceEntry&)> trace,
                            qsizetype capacity, QObject* parent)
-    : QObject(parent), m_pump(pump), m_trace(std::move(trace)), m_capacity(capacity) {}
+    : QObject(parent), m_pump(pump), m_trace(std::move(trace)), m_capacity(capacity),
+      m_anchorTime(pump.currentDateTime()), m_anchorSeconds(pump.monotonicSeconds()) {}
 
 TraceEntry TraceBacklog::stamped(TraceEntry::Kind kind, const QString& text) const {
+    // Only the clock is read here, in the relay's turn; the date and time follow from it when
+    // the entry is traced.
     TraceEntry entry;
     entry.kind = kind;
     entry.text = text;
-    entry.time = m_pump.currentDateTime();
     entry.seconds = m_pump.monotonicSeconds();
     return entry;
 }
@@ -56,57 +61,62 @@ void TraceBacklog::note(const QString& text) {
 }
 
 void TraceBacklog::add(TraceEntry entry) {
-    m_waitingBytes += entry.kind == TraceEntry::Kind::Bytes ? entry.bytes.size() : entryWeight;
+    m_waitingBytes += entryWeight + entry.bytes.size();
     m_entries.push_back(std::move(entry));
-    schedule();
+    schedule(quietMs);
 }
 
-void TraceBacklog::schedule() {
+void TraceBacklog::schedule(int delayMs) {
     if (m_scheduled)
         return;
     m_scheduled = true;
-    // Due at once, but after whatever the relay has pending in this turn of the event loop.
-    m_pump.schedule(0, this, [this] { traceSlice(); });
+    m_pump.schedule(delayMs, this, [this] { traceSlice(); });
 }
 
 void TraceBacklog::traceSlice() {
     m_scheduled = false;
-    qsizetype used = 0;
-    while (used < sliceBytes && traceNext(sliceBytes - used, &used)) {
+    qsizetype budget = sliceBytes;
+    while (budget > 0 && traceNext(&budget)) {
     }
+    // Whatever the relay has pending in this turn of the event loop goes first.
     if (!m_entries.empty())
-        schedule();
+        schedule(0);
 }
 
-bool TraceBacklog::traceNext(qsizetype budget, qsizetype* used) {
+bool TraceBacklog::traceNext(qsizetype* budget) {
     if (m_entries.empty())
         return false;
     TraceEntry& front = m_entries.front();
+    front.time = m_anchorTime.addMSecs(std::llround((front.seconds - m_anchorSeconds) * 1000.0));
     if (front.kind != TraceEntry::Kind::Bytes) {
-        TraceEntry entry = std::move(front);
+        const TraceEntry entry = std::move(front);
         m_entries.pop_front();
         m_waitingBytes -= entryWeight;
-        *used += entryWeight;
+        *budget -= entryWeight;
         m_trace(entry);
         return true;
     }
-    const qsizetype take = qMin(budget, front.bytes.size() - m_frontOffset);
+    const qsizetype take =
+        qBound<qsizetype>(1, *budget - entryWeight, front.bytes.size() - m_frontOffset);
     TraceEntry slice = front;
     slice.bytes = front.bytes.mid(m_frontOffset, take);
     m_frontOffset += take;
     m_waitingBytes -= take;
-    *used += take;
+    *budget -= entryWeight + take;
     if (m_frontOffset == front.bytes.size()) {
         m_entries.pop_front();
         m_frontOffset = 0;
+        m_waitingBytes -= entryWeight;
     }
     m_trace(slice);
     return true;
 }
 
 void TraceBacklog::drain() {
-    qsizetype used = 0;
-    while (traceNext(sliceBytes, &used)) {
+    for (;;) {
+        qsizetype budget = sliceBytes;
+        if (!traceNext(&budget))
+            return;
     }
 }
 

@@ -236,27 +236,34 @@ TEST(TrafficAnalysis, WhatTheTraceCannotHoldIsCountedAndSaid) {
     });
     tap.send(10, pbx, "<ACK>");
     tap.run();
-    EXPECT_EQ(tap.backlog.untraced(pms), 2000);
+    const qint64 untraced = tap.backlog.untraced(pms);
+    EXPECT_GT(untraced, 0);
     EXPECT_EQ(tap.backlog.untraced(pbx), 0);
-    // The 1000 bytes that fit are traced.
-    EXPECT_EQ(tap.lines.filter("stray bytes").join("").count('x'), 1000);
+    // What fitted is traced.
+    EXPECT_EQ(tap.lines.filter("stray bytes").join("").count('x') + untraced, 3000);
     EXPECT_EQ(tap.lines.filter(" -- ").join('\n'),
-              "10:00:00.000 -- 2000 bytes PMS>PBX relayed but not traced: the trace fell behind");
+              QStringLiteral("10:00:00.000 -- %1 bytes PMS>PBX relayed but not traced: the "
+                             "trace fell behind")
+                  .arg(untraced));
     EXPECT_TRUE(tap.lines.last().endsWith("<ACK>   ; ACK, answering nothing waiting"));
 }
 
 TEST(TrafficAnalysis, TheTraceIsHandedOverASliceAtATime) {
     VirtualEventPump pump;
-    qsizetype largest = 0, total = 0;
+    qsizetype largest = 0, total = 0, pieces = 0;
     TraceBacklog backlog(pump, [&](const TraceEntry& entry) {
         largest = qMax(largest, entry.bytes.size());
         total += entry.bytes.size();
+        ++pieces;
     });
     backlog.passed(pms, QByteArray(64 * 1024, 'x'));
-    EXPECT_EQ(total, 0); // nothing traced inside the relay's own turn
+    pump.processEvents();
+    EXPECT_EQ(total, 0); // nothing traced while the answer may still be on its way
+    pump.waitForEvent(TraceBacklog::quietMs);
     pump.processEvents();
     EXPECT_EQ(total, 64 * 1024);
-    EXPECT_EQ(largest, TraceBacklog::sliceBytes);
+    EXPECT_LE(largest, TraceBacklog::sliceBytes);
+    EXPECT_GT(pieces, 64 * 1024 / TraceBacklog::sliceBytes);
 }
 
 } // namespace

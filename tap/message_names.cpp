@@ -3,6 +3,7 @@
 #include "protocol/expectation_items.h"
 #include "protocol/frame.h"
 #include "protocol/message_catalogue.h"
+#include "protocol/readable_notation.h"
 #include "records/wire_trace.h"
 
 namespace larkspur::tap {
@@ -10,6 +11,12 @@ namespace larkspur::tap {
 namespace {
 
 const QString unknown = QStringLiteral("unknown message");
+
+// A field of a message as the trace shows it: without its blanks, and in the readable notation,
+// so that control bytes in it reach no terminal.
+QString shown(const QString& field) {
+    return toReadable(trimBlanks(field).toLatin1());
+}
 
 QString pbxRow(Side from, const QString& type) {
     return from == Side::Pbx ? QStringLiteral("PBX ") + type : type;
@@ -22,13 +29,13 @@ MessageName vmailName(const QByteArray& frame, Side from) {
     const QString body = QString::fromLatin1(frame.mid(1, frame.size() - 3));
     if (const VmailMessage* message = findVmailMessage(body.left(1))) {
         if (message->hasMailbox)
-            description += QStringLiteral(" mailbox ") + body.mid(1, mailboxWidth).trimmed();
+            description += QStringLiteral(" mailbox ") + shown(body.mid(1, mailboxWidth));
         if (message->extraWidth > 0) {
             // " TO: " reads "to", " FCOS: " reads "fcos".
             QString label = message->extraLabel.trimmed().toLower();
             label.chop(1);
             description +=
-                u' ' + label + u' ' + body.mid(1 + mailboxWidth, message->extraWidth).trimmed();
+                u' ' + label + u' ' + shown(body.mid(1 + mailboxWidth, message->extraWidth));
         }
     }
     return {description, pbxRow(from, type)};
@@ -41,11 +48,11 @@ MessageName pmsHotelName(const QString& body) {
         return {unknown, unknown};
     QString description = message->name;
     if (message->code == u"STE")
-        description += u' ' + body.left(4) + QStringLiteral(" pilot ") + body.mid(5, 5).trimmed();
+        description += u' ' + body.left(4) + QStringLiteral(" pilot ") + shown(body.mid(5, 5));
     for (const FieldColumn& column : message->columns)
         if (column.field == Field::txt_suite_1)
             description +=
-                QStringLiteral(" room ") + body.mid(column.column - 1, column.width).trimmed();
+                QStringLiteral(" room ") + shown(body.mid(column.column - 1, column.width));
     return {description, message->name};
 }
 
@@ -55,7 +62,7 @@ MessageName pbxHotelName(const QByteArray& frame) {
     QString room;
     if (const ExpectationItem* item = expectationMetBy(text, &room)) {
         const QString name = item->expected.trimmed();
-        return {name + QStringLiteral(" room ") + room.trimmed(), pbxRow(Side::Pbx, name)};
+        return {name + QStringLiteral(" room ") + shown(room), pbxRow(Side::Pbx, name)};
     }
     if (text == rqinzFrame())
         return {QStringLiteral("initialisation request RQINZ"),

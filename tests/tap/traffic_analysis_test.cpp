@@ -171,6 +171,20 @@ TEST(TrafficAnalysis, WhatIsNoMessageIsShownAsItCame) {
                          }));
 }
 
+TEST(TrafficAnalysis, ControlBytesInAFieldReachNoTerminal) {
+    TapAnalysis tap;
+    tap.send(0, pms, "<STX>CHK1  \\x07\\x1B1<ETX>");
+    tap.send(1, pbx, "<ACK>");
+    tap.send(10, pbx, "<STX>STS2 \\x0D\\x0A 01<ETX>");
+    tap.send(11, pms, "<ACK>");
+    tap.run();
+    EXPECT_EQ(tap.lines.filter("<STX>"),
+              QStringList({"10:00:00.000 PMS>PBX <STX>CHK1  \\x07\\x1B1<ETX>   ; check-in room "
+                           "\\x07\\x1B1",
+                           "10:00:00.010 PBX>PMS <STX>STS2 \\x0D\\x0A 01<ETX>   ; STS2 room "
+                           "\\x0D\\x0A 01"}));
+}
+
 // Every byte relayed shows up in the trace once, in order, whatever it is and however it is cut.
 TEST(TrafficAnalysis, NoByteIsLostFromTheTrace) {
     for (const PmsMode mode : {PmsMode::Hotel, PmsMode::Vmail}) {

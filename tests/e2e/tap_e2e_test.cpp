@@ -263,6 +263,17 @@ struct RawSocket {
     QByteArray received;
     bool hungUp = false;
 
+    RawSocket() = default;
+    RawSocket(const RawSocket&) = delete;
+    RawSocket& operator=(const RawSocket&) = delete;
+    // The socket may outlive this (it is the server's), and tell of its end as it goes.
+    ~RawSocket() { letGo(); }
+    void letGo() {
+        if (socket)
+            QObject::disconnect(socket, nullptr, nullptr, nullptr);
+        socket = nullptr;
+    }
+
     void attach(QTcpSocket* s) {
         socket = s;
         QObject::connect(s, &QTcpSocket::readyRead, [this] { received += socket->readAll(); });
@@ -293,6 +304,7 @@ struct RawPbx {
 
 struct RawPms : RawSocket {
     QTcpSocket own;
+    ~RawPms() { letGo(); }
     explicit RawPms(quint16 port) {
         attach(&own);
         own.connectToHost(QStringLiteral("127.0.0.1"), port);
@@ -438,7 +450,9 @@ TEST_F(TapHandPlayed, GarbageAndFloodsCrossUnchangedAndEveryByteIsTraced) {
     EXPECT_TRUE(pbxEnd.received == flood[0]);
     EXPECT_TRUE(pms->received == flood[1]);
 
-    EXPECT_EQ(tap->stop(SIGTERM), 130);
+    // What waits to be traced is traced before the tap ends, which takes its time under the
+    // sanitizers.
+    EXPECT_EQ(tap->stop(SIGTERM, 120'000), 130);
     QByteArray traced[2];
     qint64 untraced[2] = {0, 0};
     static const QRegularExpression notTraced("^-- not traced: (\\d+) bytes PMS>PBX and (\\d+)");
@@ -491,6 +505,31 @@ TEST_F(TapHandPlayed, AReaderOfTheTraceThatStopsNeverHoldsTheRelayUp) {
     EXPECT_EQ(whole.count(QStringLiteral("PBX>PMS <ACK>")), 20'000);
     EXPECT_TRUE(whole.contains(QRegularExpression("\nENQ +20000 ")));
     ::close(holder);
+}
+
+TEST_F(TapHandPlayed, AScriptOrTraceThatCannotBeWrittenWholeEndsWithStatusFive) {
+    const struct {
+        QStringList arguments;
+        const char* says;
+    } cases[] = {
+        {{"--learn", "/dev/full"},
+         "larkspur-tap: cannot write the script /dev/full: No space left on device\n"},
+        {{"--trace", "/dev/full"}, "larkspur-tap: the trace /dev/full is not whole: "},
+    };
+    for (const auto& c : cases) {
+        auto tap = startTap(c.arguments + QStringList{"--once"});
+        auto pms = connectPms(*tap, pbx.connections.size() + 1);
+        RawSocket& pbxEnd = pbx.last();
+        pms->send("\x02"
+                  "CHK1   101\x03");
+        ASSERT_TRUE(waitUntil([&] { return pbxEnd.received.size() == 12; }));
+        pbxEnd.send("\x06");
+        ASSERT_TRUE(waitUntil([&] { return pms->received == "\x06"; }));
+        // The relay went on all the same.
+        pms->socket->disconnectFromHost();
+        EXPECT_EQ(tap->waitForExit(), 5) << tap->diagnostics();
+        EXPECT_TRUE(tap->standardError().contains(c.says)) << tap->diagnostics();
+    }
 }
 
 // The tap's resident memory in kilobytes.

@@ -5,34 +5,26 @@
 #include "core/termination_signals.h"
 #include "link/receive_assembly.h"
 #include "link/serial_line.h"
-#include "protocol/frame.h"
 #include "records/run_statistics.h"
 #include "tap/hangup_signal.h"
-#include "tap/line_sink.h"
+#include "tap/learned_script_file.h"
 #include "tap/script_learner.h"
 #include "tap/serial_links.h"
 #include "tap/tap_options.h"
 #include "tap/tcp_relay.h"
 #include "tap/trace_backlog.h"
 #include "tap/trace_lines.h"
+#include "tap/trace_outputs.h"
 #include "tap/traffic_analysis.h"
 
 #include <QEventLoop>
-#include <QFile>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <fcntl.h>
 #include <memory>
-#include <unistd.h>
 
 namespace larkspur::tap {
 
 namespace {
-
-// How long the trace's readers get at the end to take what is still queued.
-constexpr int lastLinesMs = 3000;
 
 void printError(const QString& text) {
     std::fprintf(stderr, "larkspur-tap: %s\n", qPrintable(text));
@@ -49,33 +41,6 @@ int frameGapMs(const TapOptions& o) {
     parseSerialLine(o.line, line, ignored);
     return defaultFrameGapMs(line.baudRate, bitsPerCharacter(line));
 }
-
-// The script being learned, written line by line so that nothing learned is lost when the tap
-// is stopped hard; a failed write is said once and stops the learning.
-class LearnedScriptFile {
-public:
-    explicit LearnedScriptFile(const QString& path) : m_file(path) {}
-
-    QString open() {
-        InterruptibleCalls interruptible; // a FIFO nobody reads must not hold the start
-        return m_file.open(QIODevice::WriteOnly | QIODevice::Truncate) ? QString()
-                                                                       : m_file.errorString();
-    }
-    void write(const QString& line) {
-        if (m_failed)
-            return;
-        if (m_file.write((line + carriage_return()).toLatin1()) < 0 || !m_file.flush()) {
-            m_failed = true;
-            printError(QStringLiteral("cannot write the script %1: %2")
-                           .arg(m_file.fileName(), m_file.errorString()));
-        }
-    }
-    bool failed() const { return m_failed; }
-
-private:
-    QFile m_file;
-    bool m_failed = false;
-};
 
 std::unique_ptr<TapLinks> linksFor(const TapOptions& o, EventPump& pump) {
     if (o.links == TapOptions::Links::Tcp)
@@ -94,6 +59,31 @@ QString outputProblem(const TapOptions& o) {
             return QStringLiteral("cannot write %1 %2: %3").arg(option, path, why);
     }
     return QString();
+}
+
+// The trace's last lines: the statistics, what could not be traced, what was learned.
+void closeTheTrace(TraceOutputs& trace, const QDateTime& now, const RunStatistics& statistics,
+                   const TraceBacklog& backlog, const ScriptLearner* learner,
+                   const QString& learnedScript) {
+    if (statistics.isEmpty()) {
+        trace.line(noteLine(now, QStringLiteral("statistics: nothing was exchanged")));
+    } else {
+        trace.line(noteLine(now, QStringLiteral("statistics:")));
+        for (const QString& row : statistics.table().split(u'\n', Qt::SkipEmptyParts))
+            trace.line(row);
+    }
+    const qint64 untraced[] = {backlog.untraced(Side::Pms), backlog.untraced(Side::Pbx)};
+    if (untraced[0] + untraced[1] > 0)
+        trace.line(noteLine(now, QStringLiteral("not traced: %1 bytes PMS>PBX and %2 bytes "
+                                                "PBX>PMS, relayed while the trace fell behind")
+                                     .arg(untraced[0])
+                                     .arg(untraced[1])));
+    if (learner)
+        trace.line(noteLine(now, QStringLiteral("learned %1 lines into %2; %3 acknowledged "
+                                                "messages have no script line")
+                                     .arg(learner->learned())
+                                     .arg(learnedScript)
+                                     .arg(learner->passedOver())));
 }
 
 } // namespace
@@ -122,34 +112,19 @@ int runTap(const TapOptions& o) {
         !watchHangUpSignal([&] { end(exitcode::hungUp); }, &error))
         printError(error);
 
-    LineSink out(STDOUT_FILENO);
-    std::unique_ptr<LineSink> traceFile;
-    int traceFd = -1;
+    TraceOutputs trace(printError);
     if (!o.trace.isEmpty()) {
-        {
-            InterruptibleCalls interruptible;
-            traceFd = ::open(QFile::encodeName(o.trace).constData(),
-                             O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-        }
-        if (traceFd < 0) {
-            if (errno == EINTR)
+        if (const QString why = trace.openFile(o.trace); !why.isEmpty()) {
+            if (terminationRequested())
                 return exitcode::interrupted;
-            printError(QStringLiteral("cannot write the trace %1: %2")
-                           .arg(o.trace, QString::fromLocal8Bit(std::strerror(errno))));
+            printError(QStringLiteral("cannot write the trace %1: %2").arg(o.trace, why));
             return exitcode::usage;
         }
-        traceFile = std::make_unique<LineSink>(traceFd);
     }
-    const auto traceLine = [&](const QString& line) {
-        out.post(line);
-        if (traceFile)
-            traceFile->post(line);
-    };
-
     std::unique_ptr<LearnedScriptFile> learnFile;
     std::unique_ptr<ScriptLearner> learner;
     if (!o.learn.isEmpty()) {
-        learnFile = std::make_unique<LearnedScriptFile>(o.learn);
+        learnFile = std::make_unique<LearnedScriptFile>(o.learn, printError);
         if (const QString why = learnFile->open(); !why.isEmpty()) {
             if (terminationRequested())
                 return exitcode::interrupted;
@@ -163,7 +138,9 @@ int runTap(const TapOptions& o) {
 
     QtEventPump pump;
     RunStatistics statistics;
-    TrafficAnalysis analysis(pump, o.mode, frameGapMs(o), traceLine, statistics, learner.get());
+    TrafficAnalysis analysis(
+        pump, o.mode, frameGapMs(o), [&trace](const QString& line) { trace.line(line); },
+        statistics, learner.get());
     TraceBacklog backlog(pump, [&analysis](const TraceEntry& entry) { analysis.take(entry); });
     links = linksFor(o, pump);
     QObject::connect(links.get(), &TapLinks::opened, &backlog, &TraceBacklog::opened);
@@ -188,44 +165,9 @@ int runTap(const TapOptions& o) {
 
     backlog.drain();
     analysis.finish(pump.currentDateTime(), pump.monotonicSeconds());
-    const QDateTime now = pump.currentDateTime();
-    if (statistics.isEmpty()) {
-        traceLine(noteLine(now, QStringLiteral("statistics: nothing was exchanged")));
-    } else {
-        traceLine(noteLine(now, QStringLiteral("statistics:")));
-        for (const QString& row : statistics.table().split(u'\n', Qt::SkipEmptyParts))
-            traceLine(row);
-    }
-    const qint64 untraced[] = {backlog.untraced(Side::Pms), backlog.untraced(Side::Pbx)};
-    if (untraced[0] + untraced[1] > 0)
-        traceLine(noteLine(now, QStringLiteral("not traced: %1 bytes PMS>PBX and %2 bytes "
-                                               "PBX>PMS, relayed while the trace fell behind")
-                                    .arg(untraced[0])
-                                    .arg(untraced[1])));
-    if (learner)
-        traceLine(noteLine(now, QStringLiteral("learned %1 lines into %2; %3 acknowledged "
-                                               "messages have no script line")
-                                    .arg(learner->learned())
-                                    .arg(o.learn)
-                                    .arg(learner->passedOver())));
-
-    if (!out.finish(lastLinesMs) && out.unwritten() > 0)
-        printError(QStringLiteral("%1 trace lines could not be written to standard output")
-                       .arg(out.unwritten()));
-    bool outputsWhole = !(learnFile && learnFile->failed());
-    if (traceFile) {
-        if (!traceFile->finish(lastLinesMs)) {
-            outputsWhole = false;
-            printError(QStringLiteral("the trace %1 is not whole: %2 lines not written%3")
-                           .arg(o.trace)
-                           .arg(traceFile->unwritten())
-                           .arg(traceFile->error().isEmpty()
-                                    ? QString()
-                                    : QStringLiteral(" (%1)").arg(traceFile->error())));
-        }
-        // The descriptor stays open: a write left blocking must not land in a reused one.
-    }
-    return outputsWhole ? status : exitcode::outputFailed;
+    closeTheTrace(trace, pump.currentDateTime(), statistics, backlog, learner.get(), o.learn);
+    const bool traceWhole = trace.finish();
+    return traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::outputFailed;
 }
 
 } // namespace larkspur::tap

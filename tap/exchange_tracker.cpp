@@ -12,45 +12,81 @@ namespace {
 qint64 msBetween(double from, double to) {
     return std::llround((to - from) * 1000.0);
 }
+
+QString answerWord(const QByteArray& answer) {
+    return answer == QByteArray(1, char(ctl::ACK)) ? QStringLiteral("ACK") : QStringLiteral("NAK");
+}
+
+ExchangeEvent::Outcome outcomeOf(const QByteArray& answer) {
+    return answer == QByteArray(1, char(ctl::ACK)) ? ExchangeEvent::Outcome::Acknowledged
+                                                   : ExchangeEvent::Outcome::Refused;
+}
 } // namespace
 
-ExchangeTracker::ExchangeTracker(EventPump& pump, PmsMode mode, QObject* parent)
-    : QObject(parent), m_pump(pump), m_mode(mode) {}
+ExchangeTracker::ExchangeTracker(EventPump& pump, PmsMode mode, int earlyAnswerMs, QObject* parent)
+    : QObject(parent), m_pump(pump), m_mode(mode), m_earlyAnswerMs(earlyAnswerMs) {}
 
-QString ExchangeTracker::track(Side from, const MessageCutter::Message& message,
-                               const QDateTime& time, double seconds) {
+void ExchangeTracker::track(Side from, const MessageCutter::Message& message, const QDateTime& time,
+                            double seconds) {
     using Kind = MessageCutter::Kind;
     switch (message.kind) {
     case Kind::Stray:
-        return QStringLiteral("stray bytes");
+        Q_EMIT shown(from, message.bytes, time, QStringLiteral("stray bytes"));
+        return;
     case Kind::UnfinishedFrame:
-        return QStringLiteral("unfinished frame");
+        Q_EMIT shown(from, message.bytes, time, QStringLiteral("unfinished frame"));
+        return;
     case Kind::Frame:
     case Kind::Control:
         break;
     }
-    const char byte = message.bytes.at(0);
-    if (message.kind == Kind::Control && byte != char(ctl::ENQ)) {
-        const bool ack = byte == char(ctl::ACK);
-        const QString word = ack ? QStringLiteral("ACK") : QStringLiteral("NAK");
-        SideState& answered = m_sides[int(otherSide(from))];
-        if (!answered.waiting)
-            return word + QStringLiteral(", answering nothing waiting");
-        const QString text = QStringLiteral("%1 to %2 after %3 ms")
-                                 .arg(word, answered.pending.description)
-                                 .arg(msBetween(answered.pending.seconds, seconds));
-        close(otherSide(from),
-              ack ? ExchangeEvent::Outcome::Acknowledged : ExchangeEvent::Outcome::Refused, time,
-              seconds, QString());
-        return text;
-    }
+    if (message.kind == Kind::Control && message.bytes.at(0) != char(ctl::ENQ))
+        answer(from, Answer{message.bytes, time, seconds});
+    else
+        bidOrFrame(from, message, time, seconds);
+}
 
+void ExchangeTracker::answer(Side from, const Answer& answer) {
+    const Side answered = otherSide(from);
+    SideState& state = m_sides[int(answered)];
+    if (state.waiting) {
+        Q_EMIT shown(from, answer.bytes, answer.time,
+                     QStringLiteral("%1 to %2 after %3 ms")
+                         .arg(answerWord(answer.bytes), state.pending.description)
+                         .arg(msBetween(state.pending.seconds, answer.seconds)));
+        close(answered, outcomeOf(answer.bytes), answer.time, answer.seconds, QString());
+        return;
+    }
+    if (m_earlyAnswerMs <= 0) {
+        Q_EMIT shown(from, answer.bytes, answer.time,
+                     answerWord(answer.bytes) + QStringLiteral(", answering nothing waiting"));
+        return;
+    }
+    letTheEarlyAnswerGo(answered);
+    state.early = answer;
+    m_pump.schedule(m_earlyAnswerMs, this, [this, answered, id = ++state.earlyId] {
+        if (m_sides[int(answered)].earlyId == id)
+            letTheEarlyAnswerGo(answered);
+    });
+}
+
+void ExchangeTracker::letTheEarlyAnswerGo(Side side) {
+    SideState& state = m_sides[int(side)];
+    if (!state.early)
+        return;
+    const Answer early = *std::exchange(state.early, std::nullopt);
+    Q_EMIT shown(otherSide(side), early.bytes, early.time,
+                 answerWord(early.bytes) + QStringLiteral(", answering nothing waiting"));
+}
+
+void ExchangeTracker::bidOrFrame(Side from, const MessageCutter::Message& message,
+                                 const QDateTime& time, double seconds) {
     Exchange exchange;
     exchange.from = from;
     exchange.bytes = message.bytes;
     exchange.time = time;
     exchange.seconds = seconds;
-    exchange.enq = message.kind == Kind::Control;
+    exchange.enq = message.kind == MessageCutter::Kind::Control;
     QString verdict;
     if (exchange.enq) {
         exchange.description = QStringLiteral("the ENQ bid");
@@ -77,8 +113,18 @@ QString ExchangeTracker::track(Side from, const MessageCutter::Message& message,
     QString text = exchange.enq ? QStringLiteral("ENQ bid") : exchange.description;
     if (exchange.attempt > 1)
         text += QStringLiteral(", retry %1").arg(exchange.attempt);
+    Q_EMIT shown(from, message.bytes, time, text + verdict);
     open(std::move(exchange));
-    return text + verdict;
+
+    // The answer to this was heard first, on the other side's port.
+    if (!state.early)
+        return;
+    const Answer early = *std::exchange(state.early, std::nullopt);
+    Q_EMIT shown(otherSide(from), early.bytes, early.time,
+                 QStringLiteral("%1 to %2, heard %3 ms before it")
+                     .arg(answerWord(early.bytes), state.pending.description)
+                     .arg(msBetween(early.seconds, seconds)));
+    close(from, outcomeOf(early.bytes), time, seconds, QString());
 }
 
 void ExchangeTracker::open(Exchange exchange) {
@@ -121,12 +167,14 @@ void ExchangeTracker::close(Side from, ExchangeEvent::Outcome outcome, const QDa
     state.waiting = false;
     Exchange& unacked = state.pending.enq ? state.unackedEnq : state.unackedFrame;
     unacked = outcome == ExchangeEvent::Outcome::Acknowledged ? Exchange{} : state.pending;
-    Q_EMIT ended(state.pending, ExchangeEnd{outcome, msBetween(state.pending.seconds, seconds),
-                                            note, time, seconds});
+    Q_EMIT ended(state.pending,
+                 ExchangeEnd{outcome, qMax<qint64>(0, msBetween(state.pending.seconds, seconds)),
+                             note, time, seconds});
 }
 
 void ExchangeTracker::endSession(const QString& why, const QDateTime& time, double seconds) {
     for (const Side side : {Side::Pms, Side::Pbx}) {
+        letTheEarlyAnswerGo(side);
         SideState& state = m_sides[int(side)];
         if (state.waiting)
             close(side, ExchangeEvent::Outcome::TimedOut, time, seconds,

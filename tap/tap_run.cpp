@@ -139,8 +139,8 @@ int runTap(const TapOptions& o) {
     QtEventPump pump;
     RunStatistics statistics;
     TrafficAnalysis analysis(
-        pump, o.mode, frameGapMs(o), [&trace](const QString& line) { trace.line(line); },
-        statistics, learner.get());
+        pump, o.mode, frameGapMs(o), o.links == TapOptions::Links::Monitor,
+        [&trace](const QString& line) { trace.line(line); }, statistics, learner.get());
     TraceBacklog backlog(pump, [&analysis](const TraceEntry& entry) { analysis.take(entry); });
     links = linksFor(o, pump);
     QObject::connect(links.get(), &TapLinks::opened, &backlog, &TraceBacklog::opened);

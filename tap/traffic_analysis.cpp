@@ -6,16 +6,21 @@
 
 namespace larkspur::tap {
 
-TrafficAnalysis::TrafficAnalysis(EventPump& pump, PmsMode mode, int frameGapMs,
+TrafficAnalysis::TrafficAnalysis(EventPump& pump, PmsMode mode, int frameGapMs, bool monitor,
                                  std::function<void(const QString&)> traceLine,
                                  RunStatistics& statistics, ScriptLearner* learner, QObject* parent)
     : QObject(parent), m_traceLine(std::move(traceLine)), m_statistics(statistics),
-      m_learner(learner), m_tracker(pump, mode) {
+      m_learner(learner), m_tracker(pump, mode, monitor ? monitorEarlyAnswerMs : 0) {
     for (const Side side : {Side::Pms, Side::Pbx})
         m_cutters[int(side)] = std::make_unique<MessageCutter>(
             pump, mode == PmsMode::Vmail, frameGapMs,
             [this, side](const MessageCutter::Message& message) { onMessage(side, message); });
     connect(&m_tracker, &ExchangeTracker::ended, this, &TrafficAnalysis::onEnded);
+    connect(&m_tracker, &ExchangeTracker::shown, this,
+            [this](Side from, const QByteArray& bytes, const QDateTime& time,
+                   const QString& description) {
+                m_traceLine(messageLine(time, from, bytes, description));
+            });
 }
 
 TrafficAnalysis::~TrafficAnalysis() = default;
@@ -59,8 +64,7 @@ void TrafficAnalysis::endSession(const QString& why, const QDateTime& time, doub
 
 void TrafficAnalysis::onMessage(Side from, const MessageCutter::Message& message) {
     const Arrival& at = m_arrival[int(from)];
-    const QString description = m_tracker.track(from, message, at.time, at.seconds);
-    m_traceLine(messageLine(at.time, from, message.bytes, description));
+    m_tracker.track(from, message, at.time, at.seconds);
     if (m_learner && from == Side::Pbx && message.kind == MessageCutter::Kind::Frame)
         m_learner->pbxFrame(message.bytes, at.seconds);
 }

@@ -25,8 +25,12 @@ class ScriptLearner;
 class TrafficAnalysis : public QObject {
     Q_OBJECT
 public:
-    // `learner` may be null. `traceLine` takes each line without its line end.
-    TrafficAnalysis(EventPump& pump, PmsMode mode, int frameGapMs,
+    // How long an answer heard before what it answers waits for it on a passive monitor.
+    static constexpr int monitorEarlyAnswerMs = 200;
+
+    // `learner` may be null. `traceLine` takes each line without its line end. `monitor`: the
+    // two sides are heard on ports of their own.
+    TrafficAnalysis(EventPump& pump, PmsMode mode, int frameGapMs, bool monitor,
                     std::function<void(const QString&)> traceLine, RunStatistics& statistics,
                     ScriptLearner* learner, QObject* parent = nullptr);
     ~TrafficAnalysis() override;

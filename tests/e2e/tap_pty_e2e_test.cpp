@@ -100,7 +100,7 @@ TEST_F(TapOverPtys, TheSerialRelayPassesEverythingAndLearnsTheScript) {
     EXPECT_EQ(tap.waitForExit(), 0) << tap.diagnostics();
     EXPECT_EQ(tap.lines().filter(QRegularExpression("^-- the PMS hung up \\(serial ")).size(), 1)
         << tap.diagnostics();
-    EXPECT_EQ(learned(), learnedScript);
+    EXPECT_EQ(learned(), learnedScript) << tap.diagnostics();
 }
 
 TEST_F(TapOverPtys, APbxThatHangsUpEndsTheSessionAndThePortsAreOpenedAgain) {
@@ -154,7 +154,7 @@ TEST_F(TapOverPtys, ThePassiveMonitorHearsBothSidesAndSendsNothing) {
     EXPECT_EQ(tap.waitForExit(), 0) << tap.diagnostics();
     EXPECT_EQ(tap.lines().filter(QRegularExpression("^-- the PMS hung up \\(serial ")).size(), 1)
         << tap.diagnostics();
-    EXPECT_EQ(learned(), learnedScript);
+    EXPECT_EQ(learned(), learnedScript) << tap.diagnostics();
 }
 
 } // namespace

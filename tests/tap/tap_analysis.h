@@ -19,6 +19,7 @@ struct TapSetup {
     bool waits = false;
     qsizetype capacity = TraceBacklog::defaultCapacity;
     int frameGapMs = 100;
+    bool monitor = false;
 };
 
 // The tap's analysis in virtual time, fed through its backlog as the relay feeds it: what each
@@ -32,7 +33,7 @@ public:
                                     [this](const QString& line) { learned << line; })
                               : nullptr),
           analysis(
-              pump, setup.mode, setup.frameGapMs,
+              pump, setup.mode, setup.frameGapMs, setup.monitor,
               [this](const QString& line) { lines << line.mid(11); }, statistics, learner.get()),
           backlog(
               pump, [this](const TraceEntry& entry) { analysis.take(entry); }, setup.capacity) {}

@@ -171,6 +171,28 @@ TEST(TrafficAnalysis, WhatIsNoMessageIsShownAsItCame) {
                          }));
 }
 
+// A monitor hears each side on a port of its own, and an answer's port may hand it over first.
+TEST(TrafficAnalysis, OnAMonitorAnAnswerHeardFirstStillAnswers) {
+    TapAnalysis tap({.learn = true, .monitor = true});
+    tap.send(0, pbx, "<ACK>");
+    tap.send(0, pms, "<ENQ>");
+    tap.send(100, pbx, "<ACK>");
+    tap.send(130, pms, "<STX>CHK1   101<ETX>");
+    tap.send(1000, pbx, "<NAK>"); // nothing comes for it
+    tap.run();
+    EXPECT_EQ(tap.lines,
+              QStringList({
+                  "10:00:00.000 PMS>PBX <ENQ>   ; ENQ bid",
+                  "10:00:00.000 PBX>PMS <ACK>   ; ACK to the ENQ bid, heard 0 ms before it",
+                  "10:00:00.130 PMS>PBX <STX>CHK1   101<ETX>   ; check-in room 101",
+                  "10:00:00.100 PBX>PMS <ACK>   ; ACK to check-in room 101, heard 30 ms before it",
+                  "10:00:01.000 PBX>PMS <NAK>   ; NAK, answering nothing waiting",
+              }));
+    EXPECT_EQ(tap.row("ENQ"), "1/1/0/0 0/0/0");
+    EXPECT_EQ(tap.row("check-in"), "1/1/0/0 0/0/0");
+    EXPECT_EQ(tap.learned, QStringList{"CHK1   101"});
+}
+
 TEST(TrafficAnalysis, ControlBytesInAFieldReachNoTerminal) {
     TapAnalysis tap;
     tap.send(0, pms, "<STX>CHK1  \\x07\\x1B1<ETX>");

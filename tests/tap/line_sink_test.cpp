@@ -1,8 +1,8 @@
 // The trace's writer: a reader that falls behind costs lines, counted and said, never a wait;
 // a reader that goes away ends the writing.
 #include "common/qt_printers.h"
-#include "tap/hangup_signal.h"
 #include "tap/line_sink.h"
+#include "tap/process_signals.h"
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>

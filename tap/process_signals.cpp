@@ -1,4 +1,4 @@
-#include "tap/hangup_signal.h"
+#include "tap/process_signals.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>

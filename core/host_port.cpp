@@ -26,6 +26,10 @@ std::optional<HostPort> parseHostPort(const QString& text, bool withPortZero, QS
     return HostPort{host, quint16(port)};
 }
 
+QHostAddress listenAddress(const QString& host) {
+    return host == u"localhost" ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(host);
+}
+
 QString formatHostPort(const QString& host, const QString& port) {
     return (host.contains(u':') ? u'[' + host + u']' : host) + u':' + port;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHostAddress>
 #include <QString>
 
 #include <optional>
@@ -16,6 +17,10 @@ struct HostPort {
 // Reads "HOST:PORT"; a port of 0 only `withPortZero` (a listener's "any free port"). Nothing and
 // a reason in `error` otherwise.
 std::optional<HostPort> parseHostPort(const QString& text, bool withPortZero, QString* error);
+
+// The address a listener binds for `host`: an IP address as written, "localhost" for the loopback
+// address; a null address for any other name.
+QHostAddress listenAddress(const QString& host);
 
 // "127.0.0.1:15374", "[::1]:15374": the form parseHostPort reads.
 QString formatHostPort(const QString& host, const QString& port);

@@ -12,6 +12,9 @@ namespace larkspur {
 namespace {
 // One message from the PBX is a few dozen bytes; a larger burst takes more than one read.
 constexpr qsizetype readChunk = 4096;
+// A peer that sends without pause is read a bounded amount per wake-up, so the event loop still
+// turns; the notifier wakes again for the rest.
+constexpr int readsPerWakeUp = 16;
 
 bool tryAgain(int error) {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
@@ -52,7 +55,7 @@ QByteArray FdTransport::readAll() {
 
 void FdTransport::readPending() {
     int lostWith = -1;
-    for (;;) {
+    for (int reads = 0; reads < readsPerWakeUp; ++reads) {
         char buffer[readChunk];
         const ssize_t n = ::read(m_fd, buffer, sizeof buffer);
         if (n > 0)
@@ -109,7 +112,13 @@ void FdTransport::writePending() {
         m_unsent.clear();
         m_unsentFrom = 0;
         m_writable->setEnabled(false);
+        Q_EMIT drained();
     }
+}
+
+void FdTransport::pauseReading(bool paused) {
+    if (m_readable)
+        m_readable->setEnabled(!paused);
 }
 
 void FdTransport::lose(int error) {

@@ -23,6 +23,16 @@ public:
     // Closes the descriptor; a close asked for by the console is not a loss of the link.
     void close() override;
 
+    // Bytes written that the descriptor has not taken yet.
+    qsizetype unsentBytes() const { return m_unsent.size() - m_unsentFrom; }
+    // While paused nothing is read: what the peer sends waits in the kernel, which in time slows
+    // the peer down, so a relay whose far side is slow holds no more than it can pass on.
+    void pauseReading(bool paused);
+
+Q_SIGNALS:
+    // The descriptor has taken everything written to it.
+    void drained();
+
 protected:
     enum class Kind { Socket, Tty };
     explicit FdTransport(QObject* parent);

@@ -16,11 +16,6 @@ bool isOne(const QString& text, char16_t c) {
     return text.size() == 1 && text.at(0).unicode() == c;
 }
 
-const QString& rqinz() {
-    static const QString frame = plain_frame(QStringLiteral("RQINZ     "));
-    return frame;
-}
-
 // The PBX's own data messages that it expects acknowledged.
 bool needsAck(const QString& text) {
     static const QString heads[] = {QStringLiteral("\x02MR 0001"),
@@ -101,7 +96,7 @@ void Link::receive(QString text, Receiver receiver) {
     } else if (isOne(text, ctl::NAK)) {
         m_log.logLine(received + QStringLiteral("NAK"));
         m_lastControl = QStringLiteral("NAK");
-    } else if (text == rqinz()) {
+    } else if (text == rqinzFrame()) {
         m_log.logLine(received + QStringLiteral("RQINZ     "));
         m_lastControl =
             receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");

@@ -7,21 +7,30 @@
 
 namespace larkspur {
 
+void readyForMessages(int fd) {
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
+    const int one = 1;
+    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+}
+
+int takeDescriptor(QTcpSocket& socket) {
+    const int fd = ::fcntl(int(socket.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
+    // Closing the socket's own descriptor leaves the connection open on the duplicate.
+    socket.abort();
+    if (fd >= 0)
+        readyForMessages(fd);
+    return fd;
+}
+
 TcpTransport::TcpTransport(QObject* parent) : FdTransport(parent) {
     // Direct, so the descriptor changes hands before the socket has read a byte from it.
     connect(&m_connector, &QTcpSocket::connected, this, &TcpTransport::takeOver);
 }
 
 void TcpTransport::takeOver() {
-    const int fd = ::fcntl(int(m_connector.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
-    // Closing the socket's own descriptor leaves the connection open on the duplicate.
-    m_connector.abort();
+    const int fd = takeDescriptor(m_connector);
     if (fd < 0)
         return; // as if refused: the connect loop asks again
-    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
-    // Every message is a handful of bytes that must leave at once.
-    const int one = 1;
-    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
     attach(fd, Kind::Socket);
 }
 

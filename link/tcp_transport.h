@@ -6,6 +6,14 @@
 
 namespace larkspur {
 
+// Readies a connected socket's descriptor for short messages that must leave at once:
+// non-blocking, and no Nagle delay.
+void readyForMessages(int fd);
+
+// Takes the descriptor of the connected `socket` over: returns a duplicate readied for messages
+// and leaves the socket closed, the connection open on the duplicate; -1 when it cannot.
+int takeDescriptor(QTcpSocket& socket);
+
 // The PBX over TCP. A QTcpSocket only connects (it resolves the host and reports a refusal);
 // once connected, its descriptor is taken over and the bytes go through it directly.
 class TcpTransport : public FdTransport {

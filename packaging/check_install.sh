@@ -14,7 +14,7 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 
-for program in larkspur larkspur-run larkspur-pbxsim; do
+for program in larkspur larkspur-run larkspur-pbxsim larkspur-tap; do
     [ -x "$prefix/bin/$program" ] || fail "bin/$program is missing or not executable"
 done
 for file in share/applications/larkspur.desktop \
@@ -48,7 +48,7 @@ else
     fail "share/doc/larkspur/changelog.gz is missing"
 fi
 
-for page in larkspur larkspur-run larkspur-pbxsim; do
+for page in larkspur larkspur-run larkspur-pbxsim larkspur-tap; do
     gz="$prefix/share/man/man1/$page.1.gz"
     if [ ! -s "$gz" ]; then
         fail "share/man/man1/$page.1.gz is missing"
@@ -61,7 +61,7 @@ for page in larkspur larkspur-run larkspur-pbxsim; do
 done
 
 # Each option of a program's usage is described in its manual page.
-for program in larkspur-run larkspur-pbxsim; do
+for program in larkspur-run larkspur-pbxsim larkspur-tap; do
     gz="$prefix/share/man/man1/$program.1.gz"
     [ -s "$gz" ] || continue
     usage=$("$prefix/bin/$program" --help) || fail "$program --help exits with $?"

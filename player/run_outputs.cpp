@@ -118,7 +118,7 @@ void RunOutputs::finish(const RunStatistics& statistics) {
                             QString::number(r.acknowledged));
         m_junit.addProperty(type + QStringLiteral(".refused"), QString::number(r.refused));
         m_junit.addProperty(type + QStringLiteral(".timedOut"), QString::number(r.timedOut));
-        if (r.answers > 0)
+        if (r.answered > 0)
             m_junit.addProperty(
                 type + QStringLiteral(".answerMs"),
                 QStringLiteral("%1/%2/%3").arg(r.minMs()).arg(r.medianMs()).arg(r.maxMs()));

@@ -1,5 +1,7 @@
 #include "protocol/expectation_items.h"
 
+#include "protocol/frame.h"
+
 namespace larkspur {
 
 QString ExpectationItem::scriptHead() const {
@@ -39,6 +41,21 @@ const ExpectationItem* findExpectationItem(const QString& item) {
     for (const ExpectationItem& entry : expectationItems())
         if (entry.item == item)
             return &entry;
+    return nullptr;
+}
+
+const ExpectationItem* expectationMetBy(const QString& message, QString* room) {
+    constexpr qsizetype roomWidth = 5;
+    if (!message.startsWith(QChar(ctl::STX)) || !message.endsWith(QChar(ctl::ETX)))
+        return nullptr;
+    const QString text = message.mid(1, message.size() - 2);
+    for (const ExpectationItem& entry : expectationItems()) {
+        if (entry.hasRoom() && text.size() == entry.expected.size() + roomWidth &&
+            text.startsWith(entry.expected)) {
+            *room = text.right(roomWidth);
+            return &entry;
+        }
+    }
     return nullptr;
 }
 

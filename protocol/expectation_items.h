@@ -23,6 +23,10 @@ struct ExpectationItem {
 const QList<ExpectationItem>& expectationItems();
 // The item named `item`, or nullptr.
 const ExpectationItem* findExpectationItem(const QString& item);
+// The room-bearing item a PBX message meets, as the waits compare it (the received text from STX
+// to ETX, exactly), with the room it names (five characters) in `room`; or nullptr. The control
+// items are met by the receiver's names, not by a message, so none is returned for them.
+const ExpectationItem* expectationMetBy(const QString& message, QString* room);
 // The item whose recorded plain wait starts with `head`, or nullptr. A notice recorded for
 // "alt" ("ATL ") is known to none.
 const ExpectationItem* findExpectationByScriptHead(const QString& head);

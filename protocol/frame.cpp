@@ -62,4 +62,9 @@ QString plain_frame(const QString& text) {
     return start_of_text() + text + end_of_text();
 }
 
+const QString& rqinzFrame() {
+    static const QString frame = plain_frame(QStringLiteral("RQINZ     "));
+    return frame;
+}
+
 } // namespace larkspur

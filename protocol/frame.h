@@ -39,4 +39,7 @@ QStringList splitLines(const QString& text);
 // STX + text + ETX: the plain frame, sent as it stands.
 QString plain_frame(const QString& text);
 
+// The PBX's initialisation request as it arrives: STX, "RQINZ" and five blanks, ETX.
+const QString& rqinzFrame();
+
 } // namespace larkspur

@@ -163,17 +163,20 @@ const QList<HotelMessage>& hotelMessages() {
          .name = "are you there",
          .button = Control::cmd_ayt,
          .logPrefix = {},
-         .failureSentence = {}},
+         .failureSentence = {},
+         .recorded = false},
         {.code = "GRS",
          .name = "GRS",
          .button = Control::cmd_grs,
          .logPrefix = {},
-         .failureSentence = {}},
+         .failureSentence = {},
+         .recorded = false},
         {.code = "END",
          .name = "END",
          .button = Control::cmd_end,
          .logPrefix = {},
-         .failureSentence = {}},
+         .failureSentence = {},
+         .recorded = false},
     };
     return messages;
 }
@@ -263,6 +266,13 @@ const HotelMessage& hotelMessage(const QString& code) {
 const VmailMessage* findVmailMessage(const QString& code) {
     for (const VmailMessage& message : vmailMessages())
         if (message.code == code)
+            return &message;
+    return nullptr;
+}
+
+const HotelMessage* hotelMessageOfBody(const QString& body) {
+    for (const HotelMessage& message : hotelMessages())
+        if (body.startsWith(message.code))
             return &message;
     return nullptr;
 }

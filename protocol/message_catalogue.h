@@ -29,6 +29,7 @@ struct HotelMessage {
     bool ackNeedsPoll = false;      // check-in also polls and judges by the last control
     bool enqFailureCounts = true;   // restriction and linked suites leave the count alone
     bool enqFailureLogTimed = true; // restriction logs the ENQ failure without the time
+    bool recorded = true;           // a recording gets its body; the manual link messages not
     // The first four characters of its script lines, and where those lines hold its fields;
     // none for a message the runner plays another way or not at all.
     QStringList scriptWords = {};
@@ -58,6 +59,8 @@ const QList<VmailMessage>& vmailMessages();
 const HotelMessage& hotelMessage(const QString& code);
 // The entry for `code`, or nullptr.
 const VmailMessage* findVmailMessage(const QString& code);
+// The hotel message a frame body is (the first whose code it starts with), or nullptr.
+const HotelMessage* hotelMessageOfBody(const QString& body);
 
 // The notice when the mailbox field is empty (also when the destination mailbox is).
 QString mailboxMissingNotice();

@@ -3,20 +3,20 @@
 namespace larkspur {
 
 qint64 RunStatistics::Row::minMs() const {
-    return answerMs.empty() ? -1 : answerMs.begin()->first;
+    return answerMs.isEmpty() ? -1 : answerMs.firstKey();
 }
 
 qint64 RunStatistics::Row::maxMs() const {
-    return answerMs.empty() ? -1 : answerMs.rbegin()->first;
+    return answerMs.isEmpty() ? -1 : answerMs.lastKey();
 }
 
 qint64 RunStatistics::Row::medianMs() const {
-    // The answer at index answers / 2 in sorted order.
-    qint64 passed = 0;
-    for (const auto& [ms, count] : answerMs) {
-        passed += count;
-        if (passed > answers / 2)
-            return ms;
+    // The answer at index answered / 2 in ascending order.
+    qint64 before = answered / 2;
+    for (auto it = answerMs.cbegin(); it != answerMs.cend(); ++it) {
+        if (before < it.value())
+            return it.key();
+        before -= it.value();
     }
     return -1;
 }
@@ -37,7 +37,7 @@ void RunStatistics::add(const ExchangeEvent& event) {
     }
     if (event.answerMs >= 0) {
         ++row.answerMs[event.answerMs];
-        ++row.answers;
+        ++row.answered;
     }
 }
 

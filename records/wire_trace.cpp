@@ -126,10 +126,8 @@ QString WireTrace::messageType(const QByteArray& frame, bool vmail) {
             return message->name;
         return QStringLiteral("voice mail ") + toReadable(body.left(1));
     }
-    const QString text = QString::fromLatin1(body);
-    for (const HotelMessage& message : hotelMessages())
-        if (text.startsWith(message.code))
-            return message.name;
+    if (const HotelMessage* message = hotelMessageOfBody(QString::fromLatin1(body)))
+        return message->name;
     return QString::fromLatin1(body.left(4)).trimmed();
 }
 

@@ -6,6 +6,7 @@
 #include "core/operator_interface.h"
 #include "protocol/expectation_items.h"
 #include "protocol/frame.h"
+#include "records/script_lines.h"
 #include "transactions/field_validation.h"
 #include "transactions/session.h"
 
@@ -35,13 +36,6 @@ int waitSeconds(const QString& text) {
 
 bool isExpectationItem(const QString& item) {
     return findExpectationItem(item) != nullptr;
-}
-
-QString recordedExpectation(const QString& item, const QString& room, bool withNotice) {
-    const ExpectationItem* entry = findExpectationItem(item);
-    if (!entry || !entry->hasRoom())
-        return item;
-    return (withNotice ? entry->recordedNotice : entry->recordedPlain) + room;
 }
 
 void runExpectationWait(Session& session, WaitKind kind, const QString& item,
@@ -100,9 +94,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
         session.operatorInterface.notify(success);
         session.log.logLine(success);
         const QString room = session.fields.text(Field::txt_suite_1);
-        session.recorder.record((plain ? QStringLiteral("WAIT ") : QStringLiteral("NTFY ")) +
-                                recordedExpectation(item, roomForm(room), !plain) +
-                                QLatin1Char(' ') + digit);
+        session.recorder.record(expectationScriptLine(!plain, item, roomForm(room), digit));
     } else if (end == End::TimedOut) {
         session.log.logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
         session.errors.recordError(Time_of_error(pump.currentDateTime()) +

@@ -9,9 +9,6 @@ class Session;
 // The expected messages a wait can name, in the order of the lists.
 bool isExpectationItem(const QString& item);
 
-// What a recorded wait line says after "WAIT " / "NTFY " for `item`, without the digit.
-QString recordedExpectation(const QString& item, const QString& room, bool withNotice);
-
 // The digit a wait runs by, for the text it is given (a script line's digit, the wake-up time
 // field for the lists): the text when it is one digit 0-9, else "5". A met wait records it.
 QString waitDigit(const QString& text);

@@ -1,6 +1,7 @@
 // Recording: the two recording buttons and the expectation lists.
 #include "core/operator_interface.h"
 #include "protocol/expectation_items.h"
+#include "records/script_lines.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
 #include "transactions/session.h"
@@ -42,10 +43,7 @@ void ScriptEngine::cmd_start_script() {
     if (s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
     } else {
-        s.recorder.start(s.link.pmsMode != PmsMode::Hotel
-                             ? QStringLiteral("VMAIL") + protocolName(s.link.protocolType) +
-                                   QStringLiteral("\r\n")
-                             : QString());
+        s.recorder.start(scriptHeader(s.link.pmsMode, s.link.protocolType));
     }
     s.errors.resetErrors();
 }

@@ -46,14 +46,12 @@ std::optional<double> secondsFrom(const QString& text) {
     return seconds;
 }
 
-// HOST:PORT as larkspur-run reads it; "localhost" stands for the loopback address.
+// HOST:PORT as larkspur-run reads it.
 bool readEndpoint(const QString& text, SimOptions& options, QString* error) {
     const auto endpoint = parseHostPort(text, true, error);
     if (!endpoint)
         return false;
-    const QHostAddress address = endpoint->host == u"localhost"
-                                     ? QHostAddress(QHostAddress::LocalHost)
-                                     : QHostAddress(endpoint->host);
+    const QHostAddress address = listenAddress(endpoint->host);
     if (address.isNull()) {
         if (error)
             *error = QStringLiteral("\"%1\" is not an address to listen on").arg(endpoint->host);

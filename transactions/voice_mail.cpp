@@ -2,6 +2,7 @@
 
 #include "protocol/message_catalogue.h"
 #include "protocol/vmail_frame.h"
+#include "records/script_lines.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"
 #include "transactions/session_press.h"
@@ -38,8 +39,7 @@ protected:
         m_session.reportSent(result, message.reported);
         if (result == SendResult::Interrupted)
             return false;
-        // The "~" marks a ready-made frame for the script runner.
-        m_session.recorder.record(message.body + QLatin1Char('~'));
+        m_session.recorder.record(vmailScriptLine(message.body));
         return true;
     }
 

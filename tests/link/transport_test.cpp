@@ -211,9 +211,8 @@ std::vector<Wire> everyWire() {
 struct Received {
     QByteArray bytes;
     explicit Received(Transport& transport) {
-        QObject::connect(&transport, &Transport::dataReceived, [this, &transport] {
-            bytes += transport.readAll();
-        });
+        QObject::connect(&transport, &Transport::dataReceived,
+                         [this, &transport] { bytes += transport.readAll(); });
     }
 };
 
@@ -290,6 +289,32 @@ TEST(Transport, ALostLinkIsReportedOnceAfterWhatCameBeforeIt) {
         }
     }
 }
+
+#ifndef LARKSPUR_PORTABLE
+TEST(FdTransport, APausedReaderLeavesBytesWaitingAndDrainedSaysWhenAllLeft) {
+    for (const Wire& wire : everyWire()) {
+        if (std::string(wire.implementation->name) != "descriptor")
+            continue;
+        Pair pair = wire();
+        auto& transport = static_cast<FdTransport&>(*pair.transport);
+        Received received(transport);
+        QSignalSpy drained(&transport, &FdTransport::drained);
+        transport.pauseReading(true);
+        pair.peer->send("held back");
+        waitUntil([] { return false; }, 100);
+        EXPECT_EQ(received.bytes, "") << wire.name;
+        transport.pauseReading(false);
+        EXPECT_TRUE(waitUntil([&] { return received.bytes == "held back"; })) << wire.name;
+
+        transport.write(pattern(megabyte, 3));
+        EXPECT_GT(transport.unsentBytes(), 0) << wire.name;
+        ASSERT_TRUE(waitUntil([&] { return pair.peer->received.size() >= megabyte; }, 30000))
+            << wire.name;
+        EXPECT_EQ(transport.unsentBytes(), 0) << wire.name;
+        EXPECT_EQ(drained.count(), 1) << wire.name;
+    }
+}
+#endif
 
 TEST(Transport, ACloseAskedForIsNoLoss) {
     for (const Wire& wire : everyWire()) {

@@ -1,10 +1,8 @@
-// What a week-long run keeps: nothing per line or per record where the player streams them, and
-// statistics bounded by the time-outs.
+// What a week-long run keeps: nothing per line or per record where the player streams them.
 #include "core/streamed_file.h"
 #include "records/error_records.h"
 #include "records/log_files.h"
 #include "records/log_view_list.h"
-#include "records/run_statistics.h"
 #include "records/traffic_log.h"
 
 #include <QFile>
@@ -65,32 +63,6 @@ TEST(LastingRecords, ErrorsAreCountedPastTheSixteenBitWrap) {
     EXPECT_TRUE(errors.errorReport().isEmpty());
     errors.resetErrors();
     EXPECT_EQ(errors.countedSinceReset(), 0);
-}
-
-TEST(LastingRecords, StatisticsAreExactAndBounded) {
-    const struct {
-        QList<qint64> answers;
-        qint64 min, median, max;
-    } cases[] = {
-        {{}, -1, -1, -1},        {{7}, 7, 7, 7},          {{5, 1, 3}, 1, 3, 5},
-        {{4, 1, 3, 2}, 1, 3, 4}, {{2, 2, 2, 9}, 2, 2, 9},
-    };
-    for (const auto& c : cases) {
-        RunStatistics statistics;
-        statistics.add({QStringLiteral("check-in"), ExchangeEvent::Outcome::TimedOut, -1});
-        for (const qint64 ms : c.answers)
-            statistics.add({QStringLiteral("check-in"), ExchangeEvent::Outcome::Acknowledged, ms});
-        const RunStatistics::Row& row = statistics.rows().value(QStringLiteral("check-in"));
-        EXPECT_EQ(QList<qint64>({row.minMs(), row.medianMs(), row.maxMs()}),
-                  QList<qint64>({c.min, c.median, c.max}));
-    }
-    RunStatistics week;
-    for (int i = 0; i < 1'000'000; ++i)
-        week.add({QStringLiteral("ENQ"), ExchangeEvent::Outcome::Acknowledged, i % 50});
-    const RunStatistics::Row& row = week.rows().value(QStringLiteral("ENQ"));
-    EXPECT_EQ(row.answerMs.size(), 50u) << "one entry per answer time, not per answer";
-    EXPECT_EQ(row.sent, 1'000'000);
-    EXPECT_EQ(row.medianMs(), 25);
 }
 
 TEST(LastingRecords, AStreamedFileSaysWhenItCouldNotBeWrittenWhole) {

@@ -1,0 +1,175 @@
+#include "tap/tap_run.h"
+
+#include "core/output_file.h"
+#include "core/qt_event_pump.h"
+#include "core/termination_signals.h"
+#include "link/receive_assembly.h"
+#include "link/serial_line.h"
+#include "records/run_statistics.h"
+#include "tap/learned_script_file.h"
+#include "tap/script_learner.h"
+#include "tap/serial_links.h"
+#include "tap/tap_options.h"
+#include "tap/tcp_relay.h"
+#include "tap/trace_backlog.h"
+#include "tap/trace_lines.h"
+#include "tap/trace_outputs.h"
+#include "tap/traffic_analysis.h"
+
+#include <QEventLoop>
+
+#include <cstdio>
+#include <memory>
+
+namespace larkspur::tap {
+
+namespace {
+
+void printError(const QString& text) {
+    std::fprintf(stderr, "larkspur-tap: %s\n", qPrintable(text));
+    std::fflush(stderr);
+}
+
+int frameGapMs(const TapOptions& o) {
+    if (o.frameGapMs)
+        return *o.frameGapMs;
+    if (o.links == TapOptions::Links::Tcp)
+        return defaultFrameGapMs(0, 0);
+    SerialLine line;
+    QString ignored;
+    parseSerialLine(o.line, line, ignored);
+    return defaultFrameGapMs(line.baudRate, bitsPerCharacter(line));
+}
+
+std::unique_ptr<TapLinks> linksFor(const TapOptions& o, EventPump& pump) {
+    if (o.links == TapOptions::Links::Tcp)
+        return std::make_unique<TcpRelay>(pump, o.listen, o.pbx, o.connectTimeoutSeconds);
+    return std::make_unique<SerialLinks>(pump, o.pmsPort, o.pbxPort, o.line,
+                                         o.links == TapOptions::Links::Monitor);
+}
+
+// Refuses, before anything is opened, an output that cannot be written.
+QString outputProblem(const TapOptions& o) {
+    for (const auto& [option, path] : {std::pair{"--trace", o.trace}, {"--learn", o.learn}}) {
+        if (path.isEmpty())
+            continue;
+        const QString why = unwritableReason(path);
+        if (!why.isEmpty())
+            return QStringLiteral("cannot write %1 %2: %3").arg(option, path, why);
+    }
+    return QString();
+}
+
+// The trace's last lines: the statistics, what could not be traced, what was learned.
+void closeTheTrace(TraceOutputs& trace, const QDateTime& now, const RunStatistics& statistics,
+                   const TraceBacklog& backlog, const ScriptLearner* learner,
+                   const QString& learnedScript) {
+    if (statistics.isEmpty()) {
+        trace.line(noteLine(now, QStringLiteral("statistics: nothing was exchanged")));
+    } else {
+        trace.line(noteLine(now, QStringLiteral("statistics:")));
+        for (const QString& row : statistics.table().split(u'\n', Qt::SkipEmptyParts))
+            trace.line(row);
+    }
+    const qint64 untraced[] = {backlog.untraced(Side::Pms), backlog.untraced(Side::Pbx)};
+    if (untraced[0] + untraced[1] > 0)
+        trace.line(noteLine(now, QStringLiteral("not traced: %1 bytes PMS>PBX and %2 bytes "
+                                                "PBX>PMS, relayed while the trace fell behind")
+                                     .arg(untraced[0])
+                                     .arg(untraced[1])));
+    if (learner)
+        trace.line(noteLine(now, QStringLiteral("learned %1 lines into %2; %3 acknowledged "
+                                                "messages have no script line")
+                                     .arg(learner->learned())
+                                     .arg(learnedScript)
+                                     .arg(learner->passedOver())));
+}
+
+} // namespace
+
+int runTap(const TapOptions& o) {
+    ignoreBrokenPipes();
+    if (const QString problem = outputProblem(o); !problem.isEmpty()) {
+        printError(problem);
+        return exitcode::usage;
+    }
+    int status = -1;
+    QEventLoop loop;
+    std::unique_ptr<TapLinks> links;
+    bool stopping = false;
+    const auto end = [&](int exitStatus) {
+        if (stopping)
+            return;
+        stopping = true;
+        status = exitStatus;
+        if (links)
+            links->stop();
+        loop.quit();
+    };
+    QString error;
+    if (!watchTerminationSignals(
+            [&](Termination t) {
+                end(t == Termination::HangUp ? exitcode::hungUp : exitcode::interrupted);
+            },
+            &error))
+        printError(error);
+
+    TraceOutputs trace(printError);
+    if (!o.trace.isEmpty()) {
+        if (const QString why = trace.openFile(o.trace); !why.isEmpty()) {
+            if (terminationRequested())
+                return exitcode::interrupted;
+            printError(QStringLiteral("cannot write the trace %1: %2").arg(o.trace, why));
+            return exitcode::usage;
+        }
+    }
+    std::unique_ptr<LearnedScriptFile> learnFile;
+    std::unique_ptr<ScriptLearner> learner;
+    if (!o.learn.isEmpty()) {
+        learnFile = std::make_unique<LearnedScriptFile>(o.learn, printError);
+        if (const QString why = learnFile->open(); !why.isEmpty()) {
+            if (terminationRequested())
+                return exitcode::interrupted;
+            printError(QStringLiteral("cannot write the script %1: %2").arg(o.learn, why));
+            return exitcode::usage;
+        }
+        learner = std::make_unique<ScriptLearner>(
+            o.mode, o.protocol, o.learnWaits,
+            [file = learnFile.get()](const QString& line) { file->write(line); });
+    }
+
+    QtEventPump pump;
+    RunStatistics statistics;
+    TrafficAnalysis analysis(
+        pump, o.mode, frameGapMs(o), o.links == TapOptions::Links::Monitor,
+        [&trace](const QString& line) { trace.line(line); }, statistics, learner.get());
+    TraceBacklog backlog(pump, [&analysis](const TraceEntry& entry) { analysis.take(entry); });
+    links = linksFor(o, pump);
+    QObject::connect(links.get(), &TapLinks::opened, &backlog, &TraceBacklog::opened);
+    QObject::connect(links.get(), &TapLinks::passed, &backlog, &TraceBacklog::passed);
+    QObject::connect(links.get(), &TapLinks::note, &backlog, &TraceBacklog::note);
+    QObject::connect(links.get(), &TapLinks::closed, &backlog, [&](const QString& text) {
+        backlog.closed(text);
+        if (o.once)
+            end(exitcode::ok);
+        else if (!stopping)
+            backlog.note(o.links == TapOptions::Links::Tcp
+                             ? QStringLiteral("waiting for the next PMS")
+                             : QStringLiteral("opening the ports again"));
+    });
+
+    if (!links->start(&error)) {
+        printError(error);
+        return exitcode::noLink;
+    }
+    if (!stopping)
+        loop.exec();
+
+    backlog.drain();
+    analysis.finish(pump.currentDateTime(), pump.monotonicSeconds());
+    closeTheTrace(trace, pump.currentDateTime(), statistics, backlog, learner.get(), o.learn);
+    const bool traceWhole = trace.finish();
+    return traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::outputFailed;
+}
+
+} // namespace larkspur::tap

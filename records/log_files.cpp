@@ -13,12 +13,12 @@ bool saveLogFile(const QString& path, const LogViewList& list, QString* error) {
     return writeWholeFile(
         path,
         [&list](QIODevice& file) {
-        for (qsizetype i = 0; i < list.size(); ++i) {
-            const QLatin1StringView entry = list.entry(i);
-            if (file.write(entry.data(), entry.size()) < 0 || file.write("\r\n", 2) < 0)
-                return false;
-        }
-        return true;
+            for (qsizetype i = 0; i < list.size(); ++i) {
+                const QLatin1StringView entry = list.entry(i);
+                if (file.write(entry.data(), entry.size()) < 0 || file.write("\r\n", 2) < 0)
+                    return false;
+            }
+            return true;
         },
         error);
 }

@@ -45,6 +45,8 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
         hideEmptyGroups();
         m_status->refresh();
     });
+    connect(&m_session.link, &Link::connecting, this,
+            [this] { m_status->setLinkState(LinkState::Connecting); });
     connect(&m_session.link, &Link::disconnected, this,
             [this] { m_status->setLinkState(LinkState::Closed); });
     connect(&m_session.link, &Link::linkLost, this,

@@ -148,11 +148,16 @@ void MainWindow::checkScript() {
         connect(m_checkDialog, &CheckScriptDialog::runRequested, this, [this](const QString& p) {
             m_runner.run([this, p] { m_engine.runScriptFile(p); });
         });
+        // It runs as Run Script does, and only when Run Script could: the dialog stays open
+        // while scripts start and end, so its button follows the window's.
+        connect(&m_session.controls, &Controls::changed, m_checkDialog, [this](Control control) {
+            if (control == Control::Xtest)
+                m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
+        });
     }
     // Checked as the window's Error Mode will send it.
     m_checkDialog->showCheck(
         path, larkspur::checkScript(readScript(file.bytes), {.errorMode = m_session.errorMode()}));
-    // It runs as Run Script does, and only when Run Script could.
     m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
     m_checkDialog->show();
     m_checkDialog->raise();
@@ -160,7 +165,6 @@ void MainWindow::checkScript() {
 }
 
 void MainWindow::connectLink() {
-    m_status->setLinkState(LinkState::Connecting);
     switch (m_session.cmd_connect()) {
     case Link::ConnectResult::Connected:
         m_status->setLinkState(LinkState::Connected);
@@ -173,6 +177,8 @@ void MainWindow::connectLink() {
         break;
     case Link::ConnectResult::Lost:
         break; // the status bar shows why already
+    case Link::ConnectResult::Busy:
+        break; // refused: nothing changed
     }
 }
 

@@ -69,6 +69,8 @@ bool Link::openTcp(double connectLimitSeconds) {
     // that refused is asked again each second, so starting it later still connects.
     m_connectAborted = false;
     const double started = m_pump.monotonicSeconds();
+    // Busy while it tries: what the operator presses meanwhile must not wait inside the loop.
+    const WaitGuard busy(*this);
     while (!m_tcp.isOpen()) {
         m_pump.processEvents();
         if (m_tcp.isOpen())
@@ -129,6 +131,10 @@ bool Link::testLink() {
 }
 
 Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
+    // A connect inside a wait would hold that wait up for as long as it tries.
+    if (waitingForAck())
+        return ConnectResult::Busy;
+    Q_EMIT connecting();
     m_lost = false;
     for (ReceiveAssembly* reads : {&m_tcpReads, &m_serialReads}) {
         reads->clear();

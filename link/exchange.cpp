@@ -101,7 +101,7 @@ bool Link::poll_for_ack(bool show) {
 }
 
 void Link::send_enq() {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return;
     for (int attempt = 1; attempt <= enqAttempts; ++attempt) {
         m_log.logLine(QStringLiteral("Sending -->    ENQ"));
@@ -113,7 +113,7 @@ void Link::send_enq() {
 }
 
 bool Link::send_enq_counted(qint16& attemptsLeft) {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return false;
     for (;;) {
         m_log.logLine(QStringLiteral("Sending -->    ENQ"));

@@ -41,15 +41,17 @@ int frameGapMs(const LinkSettings& settings);
 class Link : public QObject {
     Q_OBJECT
 public:
-    // Lost: the link went away during the connection test.
-    enum class ConnectResult { Connected, NoResponse, NotOpened, Lost };
+    // Lost: the link went away during the connection test. Busy: a wait was running, so the
+    // connect was refused and the link is as it was.
+    enum class ConnectResult { Connected, NoResponse, NotOpened, Lost, Busy };
 
     // Marks the link busy for as long as it lives: a second send, a recording button or
-    // a guarded manual command does nothing meanwhile. Clears the mark when it ends.
+    // a guarded manual command does nothing meanwhile. Guards nest: the mark stays until the
+    // outermost one ends, so a wait inside another never clears the outer one's mark.
     class WaitGuard {
     public:
-        explicit WaitGuard(Link& link) : m_link(link) { m_link.m_waitingForAck = true; }
-        ~WaitGuard() { m_link.m_waitingForAck = false; }
+        explicit WaitGuard(Link& link) : m_link(link) { ++m_link.m_waitDepth; }
+        ~WaitGuard() { --m_link.m_waitDepth; }
         WaitGuard(const WaitGuard&) = delete;
         WaitGuard& operator=(const WaitGuard&) = delete;
 
@@ -65,7 +67,7 @@ public:
     LinkSettings settings;
 
     // A wait or a send sequence is running.
-    bool waitingForAck() const { return m_waitingForAck; }
+    bool waitingForAck() const { return m_waitDepth > 0; }
     // Something arrived since the last wait started.
     bool ackReceived() const { return m_ackReceived; }
     // The last thing the PBX answered: "ACK", "NAK", "ENQ", "RTI", or a message's text.
@@ -121,6 +123,8 @@ public:
     void onTcpData(const QByteArray& bytes);
 
 Q_SIGNALS:
+    // A connect was taken and opens the link now.
+    void connecting();
     // The connection test passed: the controls come alive and recording stops.
     void connected();
     // Script recording is switched off (connect does so).
@@ -150,7 +154,7 @@ private:
     Transport& m_serial;
     ReceiveAssembly m_tcpReads{m_pump};
     ReceiveAssembly m_serialReads{m_pump};
-    bool m_waitingForAck = false;
+    int m_waitDepth = 0;
     bool m_ackReceived = false;
     QString m_lastControl;
     bool m_ackFailed = false;

@@ -10,7 +10,7 @@ void Link::cmd_ack() {
 }
 
 void Link::cmd_nak() {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return;
     m_log.logLine(QStringLiteral("Sending -->    NAK"));
     send_text(QString(QChar(ctl::NAK)));
@@ -22,21 +22,21 @@ void Link::cmd_enquiry_basic() {
 }
 
 void Link::cmd_ayt() {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return;
     m_log.logLine(QStringLiteral("Sending -->    AREYUTHERE"));
     send_text(plain_frame(QStringLiteral("AREYUTHERE")));
 }
 
 void Link::cmd_grs() {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return;
     m_log.logLine(QStringLiteral("Sending -->    GRS"));
     send_text(plain_frame(QStringLiteral("GRS       ")));
 }
 
 void Link::cmd_end() {
-    if (m_waitingForAck)
+    if (waitingForAck())
         return;
     m_log.logLine(QStringLiteral("Sending -->    END"));
     send_text(plain_frame(QStringLiteral("END       ")));

@@ -74,6 +74,9 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
         }
         if (step.kind != ScriptStep::Kind::End)
             position = step.next;
+        // The pause between commands is a wait of the run: nothing pressed meanwhile may start
+        // a wait of its own inside it.
+        const Link::WaitGuard pacing(s.link);
         pause_seconds(s.pump, commandPacingSeconds);
     }
 }

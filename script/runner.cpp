@@ -23,6 +23,8 @@ QString scriptFileFilter() {
 ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
 
 void ScriptEngine::Xtest() {
+    if (m_running)
+        return;
     if (m_session.link.waitingForAck()) {
         m_session.errors.resetErrors();
         return;
@@ -35,6 +37,9 @@ void ScriptEngine::Xtest() {
 
 ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
     Session& s = m_session;
+    // A run never starts inside another: it would play in the other's pauses and take its count.
+    if (m_running)
+        return RunOutcome::Busy;
     s.errors.resetErrors();
     if (s.link.waitingForAck())
         return RunOutcome::Busy;
@@ -49,6 +54,8 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
 
 ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
     Session& s = m_session;
+    if (m_running)
+        return RunOutcome::Busy;
     s.errors.resetErrors();
     if (s.link.waitingForAck())
         return RunOutcome::Busy;
@@ -100,6 +107,9 @@ void ScriptEngine::NTFY(const QString& item, const QString& digit) {
 
 void ScriptEngine::cmd_recovery() {
     Link& link = m_session.link;
+    // Started inside a wait, its own bids and waits would hold that wait up.
+    if (link.waitingForAck())
+        return;
     // Bid until the PBX grants the line; only closing the console ends this.
     do {
         link.cmd_enquiry_basic();

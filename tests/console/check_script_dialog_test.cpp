@@ -17,8 +17,9 @@ namespace {
 
 class CheckScriptTest : public ConsoleFixture {
 protected:
-    QString scriptFile(const QByteArray& content) {
-        const QString path = dir.filePath(QStringLiteral("check.txt"));
+    QString scriptFile(const QByteArray& content,
+                       const QString& name = QStringLiteral("check.txt")) {
+        const QString path = dir.filePath(name);
         QFile f(path);
         f.open(QIODevice::WriteOnly);
         f.write(content);
@@ -110,6 +111,34 @@ TEST_F(CheckScriptTest, RunsTheCheckedScriptOnlyWhenRunScriptCould) {
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "CHK1   101\x03")));
     EXPECT_TRUE(op.notices.contains("Script file completed"));
+}
+
+TEST_F(CheckScriptTest, ItsRunButtonFollowsRunScriptWhileItStaysOpen) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    const QString checked = scriptFile("CHK1   101\r\n;\r\n");
+    CheckScriptDialog* dialog = openCheck(checked);
+    ASSERT_TRUE(dialog);
+    auto* run = dialog->findChild<QPushButton*>("checkScriptRun");
+    ASSERT_TRUE(run->isEnabled());
+
+    // Another script runs from the window: the open dialog's button goes dead with Run Script,
+    // and a press on it starts nothing inside the running script.
+    bool enabledDuringRun = true;
+    pump.schedule(500, [&] {
+        enabledDuringRun = run->isEnabled();
+        run->click();
+    });
+    tcp.written.clear();
+    op.filesToOpen = {scriptFile("CHK0   101\r\n;\r\n", QStringLiteral("other.txt"))};
+    find<QAbstractButton>("Xtest")->click();
+    EXPECT_FALSE(enabledDuringRun);
+    EXPECT_FALSE(tcp.written.contains(QByteArray("\x02"
+                                                 "CHK1   101\x03")));
+    EXPECT_TRUE(run->isEnabled()) << "the run is over";
+
+    find<QAbstractButton>("cmd_disconnect")->click();
+    EXPECT_FALSE(run->isEnabled()) << "disconnected, as Run Script";
 }
 
 TEST_F(CheckScriptTest, AnUnreadableScriptIsANotice) {

@@ -18,8 +18,7 @@ namespace larkspur::test {
 
 // The window over a session in virtual time, with fake transports and settings in a file of
 // its own. The window opens on the first call of window(), so a test can store settings first.
-class ConsoleFixture : public ::testing::Test {
-protected:
+struct ConsoleRig {
     VirtualEventPump pump;
     RecordingOperator op;
     FakeTransport tcp{pump, QStringLiteral("TCP fake")};
@@ -50,5 +49,7 @@ protected:
 private:
     std::unique_ptr<MainWindow> m_window;
 };
+
+class ConsoleFixture : public ::testing::Test, protected ConsoleRig {};
 
 } // namespace larkspur::test

@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 using namespace larkspur::test;
@@ -170,10 +171,23 @@ TEST_F(Player, WorkbenchOptionsRefuseWhatDoesNotApply) {
     }
 }
 
-TEST_F(Player, DryRunPrintsTheTrafficOfARealRun) {
-    PbxSimProcess sim(hotelPbx);
+// The duration a JUnit report gives its whole suite.
+double suiteSeconds(const QString& junit) {
+    QFile report(junit);
+    if (!report.open(QIODevice::ReadOnly))
+        return -1;
+    const QRegularExpression suite(QStringLiteral("<testsuite [^>]*time=\"([0-9.]+)\""));
+    return suite.match(QString::fromUtf8(report.readAll())).captured(1).toDouble();
+}
+
+TEST_F(Player, DryRunPrintsTheTrafficOfARealRunAndTakesItsTime) {
+    // The real PBX takes a few milliseconds to answer, as a real one does (over loopback an
+    // instant answer may or may not be there at the console's first look, and the run's length
+    // would follow that race); the rehearsal keeps the simulator's default of answering at once.
+    PbxSimProcess sim(hotelPbx + QStringList{"--answer-delay", "0.005"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
-    start({"--tcp", tcp(sim), hotelExample});
+    const QString realJunit = home.filePath("real.xml"), dryJunit = home.filePath("dry.xml");
+    start({"--tcp", tcp(sim), "--junit", realJunit, hotelExample});
     ASSERT_EQ(finish(), 0) << err.toStdString();
     const QStringList real = outLines();
     EXPECT_FALSE(err.contains("dry run"));
@@ -181,11 +195,16 @@ TEST_F(Player, DryRunPrintsTheTrafficOfARealRun) {
     out.clear();
     err.clear();
     // The address names the link the console believes it has; nothing is connected to it.
-    start(QStringList{"--dry-run", "--tcp", "127.0.0.1:9", hotelExample} + hotelPbx);
+    start(QStringList{"--dry-run", "--tcp", "127.0.0.1:9", "--junit", dryJunit, hotelExample} +
+          hotelPbx);
     ASSERT_EQ(finish(), 0) << err.toStdString();
     EXPECT_EQ(outLines(), real);
     EXPECT_TRUE(errLines().first().startsWith("larkspur-run: dry run")) << err.toStdString();
     EXPECT_TRUE(errLines().contains("larkspur-run: Script file completed"));
+    // The same pauses and steps, in virtual time: the rehearsal predicts the run's length.
+    const double realSeconds = suiteSeconds(realJunit), drySeconds = suiteSeconds(dryJunit);
+    ASSERT_GT(realSeconds, 1);
+    EXPECT_NEAR(drySeconds, realSeconds, realSeconds * 0.01);
 }
 
 TEST_F(Player, DryRunRehearsesFailures) {

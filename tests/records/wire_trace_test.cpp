@@ -37,17 +37,17 @@ TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
     sendHotelMessage(link, errors, rule, "CHK0   101", attempt, "CHK0   101");
     EXPECT_EQ(rows(), QStringList({
                           "TX <ENQ>   | 05",
-                          "RX <ACK>   | 06   ; ENQ answered in 20 ms (ACKed)",
+                          "RX <ACK>   | 06   ; ENQ answered in 21 ms (ACKed)",
                           "TX <STX>CHK0   101<ETX>   | 02 43 48 4B 30 20 20 20 31 30 31 03",
-                          "RX <NAK>   | 15   ; frame NAKed in 20 ms",
+                          "RX <NAK>   | 15   ; frame NAKed in 21 ms",
                           "TX <STX>CHK0   101<ETX>   | 02 43 48 4B 30 20 20 20 31 30 31 03",
-                          "RX <ACK>   | 06   ; frame ACKed in 20 ms",
+                          "RX <ACK>   | 06   ; frame ACKed in 21 ms",
                       }));
     const RunStatistics::Row& checkOut = stats.rows().value("check-out");
     EXPECT_EQ(checkOut.sent, 2);
     EXPECT_EQ(checkOut.acknowledged, 1);
     EXPECT_EQ(checkOut.refused, 1);
-    EXPECT_EQ(stats.rows().value("ENQ").medianMs(), 20);
+    EXPECT_EQ(stats.rows().value("ENQ").medianMs(), 21);
 }
 
 TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
@@ -72,7 +72,7 @@ TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
     const QStringList r = rows();
     ASSERT_EQ(r.size(), 3);
     EXPECT_TRUE(r[0].endsWith("; check character right")) << r[0].toStdString();
-    EXPECT_TRUE(r[1].endsWith("; frame ACKed in 20 ms")) << r[1].toStdString();
+    EXPECT_TRUE(r[1].endsWith("; frame ACKed in 21 ms")) << r[1].toStdString();
     EXPECT_TRUE(r[2].endsWith("; check character wrong")) << r[2].toStdString();
     EXPECT_EQ(stats.rows().value("voice mail 2 check-in").acknowledged, 1);
 }

@@ -79,6 +79,20 @@ protected:
     QStringList errLines() const {
         return QString::fromLatin1(err).split('\n', Qt::SkipEmptyParts);
     }
+    static QString example(const QString& name) {
+        return QStringLiteral(LARKSPUR_SOURCE_DIR "/examples/") + name;
+    }
+    // The simulator options an example names in its "; simulator:" comment.
+    static QStringList simulatorArgumentsOf(const QString& examplePath) {
+        QFile f(examplePath);
+        if (!f.open(QIODevice::ReadOnly))
+            return {};
+        const QString marker = QStringLiteral("; simulator: larkspur-pbxsim");
+        for (const QString& line : QString::fromLatin1(f.readAll()).split(QStringLiteral("\r\n")))
+            if (line.startsWith(marker))
+                return QProcess::splitCommand(line.mid(marker.size()));
+        return {};
+    }
     static QString tcp(const PbxSimProcess& sim) {
         return QStringLiteral("127.0.0.1:%1").arg(sim.port());
     }

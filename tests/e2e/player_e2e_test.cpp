@@ -17,18 +17,6 @@ namespace {
 
 using Player = PlayerFixture;
 
-// The simulator options an example names in its "; simulator:" comment.
-QStringList simulatorArguments(const QString& example) {
-    QFile f(example);
-    f.open(QIODevice::ReadOnly);
-    for (const QString& line : QString::fromLatin1(f.readAll()).split("\r\n")) {
-        const QString marker = "; simulator: larkspur-pbxsim";
-        if (line.startsWith(marker))
-            return QProcess::splitCommand(line.mid(marker.size()));
-    }
-    return {};
-}
-
 TEST_F(Player, ExamplesRunClean) {
     struct Case {
         const char* file;
@@ -40,14 +28,14 @@ TEST_F(Player, ExamplesRunClean) {
         {"vmail.txt", {"CHECK IN: 4001  ", "CHECK OUT: 4002  ", "PBX ACKed"}},
     };
     for (auto& c : cases) {
-        const QString example = QStringLiteral(LARKSPUR_SOURCE_DIR "/examples/") + c.file;
-        const QStringList simArgs = simulatorArguments(example);
+        const QString path = example(c.file);
+        const QStringList simArgs = simulatorArgumentsOf(path);
         ASSERT_FALSE(simArgs.isEmpty()) << c.file;
         PbxSimProcess sim(simArgs);
         ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
         out.clear();
         err.clear();
-        start({"--tcp", tcp(sim), example});
+        start({"--tcp", tcp(sim), path});
         EXPECT_EQ(finish(), 0) << c.file << "\n" << err.toStdString();
         EXPECT_TRUE(errLines().contains("larkspur-run: Script file completed")) << c.file;
         for (const QString& line : c.mustLog)

@@ -4,22 +4,17 @@
 // the relay's own cost. Five runs, each taking both paths in turn; the table gives medians over
 // the runs.
 #include "bench_common.h"
+#include "bench_links.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
-#include <pty.h>
 #include <spawn.h>
 #include <string>
-#include <sys/socket.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <thread>
 #include <unistd.h>
 
@@ -91,44 +86,9 @@ std::vector<double> pms(int fd) {
     return rtt;
 }
 
-void noDelay(int fd) {
-    const int one = 1;
-    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
-}
-
-int listenLoopback(uint16_t& port) {
-    const int s = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a);
-    ::listen(s, 1);
-    socklen_t len = sizeof a;
-    ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &len);
-    port = ntohs(a.sin_port);
-    return s;
-}
-
-int connectLoopback(uint16_t port) {
-    for (int attempt = 0; attempt < 500; ++attempt) {
-        const int s = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in a{};
-        a.sin_family = AF_INET;
-        a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        a.sin_port = htons(port);
-        if (::connect(s, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0) {
-            noDelay(s);
-            return s;
-        }
-        ::close(s);
-        std::this_thread::sleep_for(std::chrono::milliseconds(10)); // the tap is starting
-    }
-    return -1;
-}
-
 uint16_t freePort() {
     uint16_t port = 0;
-    ::close(listenLoopback(port));
+    ::close(bench::listenLoopback(port));
     return port;
 }
 
@@ -156,14 +116,14 @@ void stopTap(pid_t pid) {
 
 std::vector<double> tcpDirect() {
     uint16_t port = 0;
-    const int listener = listenLoopback(port);
+    const int listener = bench::listenLoopback(port);
     std::thread peer([listener] {
         const int fd = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        noDelay(fd);
+        bench::noDelay(fd);
         pbx(fd);
         ::close(fd);
     });
-    const int fd = connectLoopback(port);
+    const int fd = bench::connectLoopback(port);
     auto rtt = pms(fd);
     peer.join();
     ::close(fd);
@@ -173,17 +133,17 @@ std::vector<double> tcpDirect() {
 
 std::vector<double> tcpThroughTap() {
     uint16_t pbxPort = 0;
-    const int listener = listenLoopback(pbxPort);
+    const int listener = bench::listenLoopback(pbxPort);
     const uint16_t tapPort = freePort();
     const pid_t tap = startTap({"--listen", "127.0.0.1:" + std::to_string(tapPort), "--pbx",
                                 "127.0.0.1:" + std::to_string(pbxPort)});
     std::thread peer([listener] {
         const int fd = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        noDelay(fd);
+        bench::noDelay(fd);
         pbx(fd);
         ::close(fd);
     });
-    const int fd = connectLoopback(tapPort);
+    const int fd = bench::connectLoopback(tapPort);
     auto rtt = pms(fd);
     peer.join();
     ::close(fd);
@@ -194,23 +154,23 @@ std::vector<double> tcpThroughTap() {
 
 std::vector<double> tcpThroughMinimalRelay() {
     uint16_t pbxPort = 0, relayPort = 0;
-    const int pbxListener = listenLoopback(pbxPort);
-    const int relayListener = listenLoopback(relayPort);
+    const int pbxListener = bench::listenLoopback(pbxPort);
+    const int relayListener = bench::listenLoopback(relayPort);
     std::thread peer([pbxListener] {
         const int fd = ::accept4(pbxListener, nullptr, nullptr, SOCK_CLOEXEC);
-        noDelay(fd);
+        bench::noDelay(fd);
         pbx(fd);
         ::close(fd);
     });
     std::thread relay([relayListener, pbxPort] {
         const int fromPms = ::accept4(relayListener, nullptr, nullptr, SOCK_CLOEXEC);
-        noDelay(fromPms);
-        const int toPbx = connectLoopback(pbxPort);
+        bench::noDelay(fromPms);
+        const int toPbx = bench::connectLoopback(pbxPort);
         minimalRelay(fromPms, toPbx);
         ::close(fromPms);
         ::close(toPbx);
     });
-    const int fd = connectLoopback(relayPort);
+    const int fd = bench::connectLoopback(relayPort);
     auto rtt = pms(fd);
     ::close(fd);
     peer.join();
@@ -220,26 +180,8 @@ std::vector<double> tcpThroughMinimalRelay() {
     return rtt;
 }
 
-struct Pty {
-    int master = -1, slave = -1;
-    std::string path;
-    Pty() {
-        char name[128];
-        ::openpty(&master, &slave, name, nullptr, nullptr);
-        termios t{};
-        ::tcgetattr(master, &t);
-        ::cfmakeraw(&t);
-        ::tcsetattr(master, TCSANOW, &t);
-        path = name;
-    }
-    ~Pty() {
-        ::close(master);
-        ::close(slave);
-    }
-};
-
 std::vector<double> ptyDirect() {
-    Pty line;
+    bench::Pty line;
     std::thread peer([&] { pbx(line.slave); });
     auto rtt = pms(line.master);
     peer.join();
@@ -247,7 +189,7 @@ std::vector<double> ptyDirect() {
 }
 
 std::vector<double> ptyThroughMinimalRelay() {
-    Pty toPms, toPbx;
+    bench::Pty toPms, toPbx;
     std::thread relay([&] { minimalRelay(toPms.slave, toPbx.slave); });
     std::thread peer([&] { pbx(toPbx.master); });
     auto rtt = pms(toPms.master);
@@ -257,7 +199,7 @@ std::vector<double> ptyThroughMinimalRelay() {
 }
 
 std::vector<double> ptyThroughTap() {
-    Pty toPms, toPbx;
+    bench::Pty toPms, toPbx;
     const pid_t tap =
         startTap({"--pms-serial", toPms.path, "--pbx-serial", toPbx.path, "--line", "9600,N,8,1"});
     std::this_thread::sleep_for(std::chrono::milliseconds(300)); // the tap opens its ports

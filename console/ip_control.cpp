@@ -39,6 +39,15 @@ IPControl::IPControl(QWidget* parent) : QWidget(parent) {
     setFocusProxy(m_fields[0]);
 }
 
+IPControl::~IPControl() {
+    // QWidget deletes the fields after this part of the object is gone, and a field that has
+    // the focus then reports its editing finished: nothing of this may hear it.
+    for (QLineEdit* field : m_fields) {
+        field->removeEventFilter(this);
+        disconnect(field, nullptr, this, nullptr);
+    }
+}
+
 QString IPControl::Address() const {
     quint8 bytes[4];
     for (int i = 0; i < 4; ++i)

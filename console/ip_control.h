@@ -16,6 +16,7 @@ class IPControl : public QWidget {
     Q_OBJECT
 public:
     explicit IPControl(QWidget* parent = nullptr);
+    ~IPControl() override;
 
     // The four fields, blank ones as 0: "10.0.0.1".
     QString Address() const;

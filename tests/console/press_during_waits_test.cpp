@@ -162,8 +162,8 @@ Outcome pressDuring(const OuterWait& outer, const QString& control) {
     rig.window();
     const std::function<void()> start = outer.start(rig);
     Outcome outcome;
-    if (!control.isEmpty()) {
-        const std::function<void()> press = pressOf(rig, control);
+    const std::function<void()> press = control.isEmpty() ? nullptr : pressOf(rig, control);
+    if (press) {
         rig.pump.schedule(outer.pressAtMs, [&] {
             const qint64 pressedAt = rig.pump.elapsedMs();
             closeDialogsOpenedBy(press);

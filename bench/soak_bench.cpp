@@ -62,7 +62,8 @@ int main(int argc, char** argv) {
                                                 "<STX>RQINZ     <ETX>"});
     if (!run.waitForStarted())
         return 1;
-    // Each round ends with one met wait for the status message.
+    // Each round ends with one met wait for the status message. One read may hold the ends of
+    // several rounds, so the count can pass 10,000 before it is looked at.
     const QByteArray roundEnd = "successfully received --> sts2";
     long rounds = 0;
     double at100 = 0, at10000 = 0;
@@ -85,8 +86,8 @@ int main(int argc, char** argv) {
     const double growth = at10000 - at100;
     bench::row("soak: dry run, every report, RSS round 100 / 10,000",
                bench::fmt("%.1f / %.1f MB (%+.1f)", at100, at10000, growth), "growth < 4 MB",
-               rounds == 10'000 && growth < 4);
+               rounds >= 10'000 && growth < 4);
     bench::row("soak: 10,000 rounds of the hotel example (250k commands)",
-               bench::fmt("%.0f s", seconds), "-", rounds == 10'000);
+               bench::fmt("%.0f s", seconds), "-", rounds >= 10'000);
     return 0;
 }

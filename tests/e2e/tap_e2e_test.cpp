@@ -77,19 +77,6 @@ QByteArray vmailScript(Protocol protocol, bool everyOperation) {
     return script + "; the last line never plays\r\n";
 }
 
-// The bytes one side sent, from the rows of a trace: larkspur-run's (TX and RX after the time)
-// or the simulator's (without the time).
-QByteArray bytesOf(const QStringList& rows, const QString& direction) {
-    static const QRegularExpression row(QStringLiteral("(?:^|^\\S+ )(TX|RX) (.*?)(?:   \\|.*)?$"));
-    QByteArray bytes;
-    for (const QString& line : rows) {
-        const QRegularExpressionMatch match = row.match(line);
-        if (match.hasMatch() && match.captured(1) == direction)
-            bytes += parseReadable(match.captured(2), nullptr);
-    }
-    return bytes;
-}
-
 // "type" -> "sent/acked/refused/timeout" of a statistics table.
 QMap<QString, QString> statisticsRows(const QStringList& lines) {
     static const QRegularExpression row(
@@ -290,9 +277,13 @@ protected:
     RawPbx pbx;
     QTemporaryDir dir;
 
-    std::unique_ptr<TapProcess> startTap(const QStringList& more = {}) {
+    // `output`: where its standard output goes, when not to the test.
+    std::unique_ptr<TapProcess> startTap(const QStringList& more = {},
+                                         const QString& output = QString()) {
         auto tap = std::make_unique<TapProcess>(
             QStringList{"--listen", "127.0.0.1:0", "--pbx", pbx.address()} + more);
+        if (!output.isEmpty())
+            tap->sendOutputTo(output);
         EXPECT_TRUE(tap->start()) << tap->diagnostics();
         return tap;
     }
@@ -394,10 +385,8 @@ TEST_F(TapHandPlayed, APbxThatCannotBeReachedTurnsThePmsAwayAndASecondPmsWaitsIt
 
 TEST_F(TapHandPlayed, GarbageAndFloodsCrossUnchangedAndEveryByteIsTraced) {
     // Traced into a file, which keeps up with anything the test could read.
-    auto tap = std::make_unique<TapProcess>(QStringList{
-        "--listen", "127.0.0.1:0", "--pbx", pbx.address(), "--trace", dir.filePath("trace.txt")});
-    tap->sendOutputTo("/dev/null");
-    ASSERT_TRUE(tap->start()) << tap->diagnostics();
+    auto tap = startTap({"--trace", dir.filePath("trace.txt")}, "/dev/null");
+    ASSERT_FALSE(HasFailure());
     auto pms = connectPms(*tap, 1);
     RawSocket& pbxEnd = pbx.last();
     QRandomGenerator random(7);
@@ -520,10 +509,8 @@ TEST_F(TapHandPlayed, MemoryStaysFlatOverManyExchanges) {
 #ifdef LARKSPUR_SANITIZE
     GTEST_SKIP() << "the sanitizers' shadow memory would count in";
 #endif
-    auto tap = std::make_unique<TapProcess>(QStringList{
-        "--listen", "127.0.0.1:0", "--pbx", pbx.address(), "--trace", dir.filePath("trace.txt")});
-    tap->sendOutputTo("/dev/null");
-    ASSERT_TRUE(tap->start()) << tap->diagnostics();
+    auto tap = startTap({"--trace", dir.filePath("trace.txt")}, "/dev/null");
+    ASSERT_FALSE(HasFailure());
     auto pms = connectPms(*tap, 1);
     RawSocket& pbxEnd = pbx.last();
     // Each round: a bid, its grant, a frame and its ACK, and a status message from the PBX.

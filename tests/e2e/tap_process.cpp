@@ -1,6 +1,7 @@
 #include "tap_process.h"
 
 #include "common/pbxsim_process.h"
+#include "protocol/readable_notation.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -112,6 +113,17 @@ std::string TapProcess::diagnostics() const {
     return QStringLiteral("larkspur-tap %1\nstandard output:\n%2\nstandard error:\n%3")
         .arg(m_arguments.join(u' '), QString::fromUtf8(m_stdout), standardError())
         .toStdString();
+}
+
+QByteArray bytesOf(const QStringList& rows, const QString& direction) {
+    static const QRegularExpression row(QStringLiteral("(?:^|^\\S+ )(TX|RX) (.*?)(?:   \\|.*)?$"));
+    QByteArray bytes;
+    for (const QString& line : rows) {
+        const QRegularExpressionMatch match = row.match(line);
+        if (match.hasMatch() && match.captured(1) == direction)
+            bytes += parseReadable(match.captured(2), nullptr);
+    }
+    return bytes;
 }
 
 } // namespace larkspur::test

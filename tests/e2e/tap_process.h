@@ -56,4 +56,8 @@ private:
     QByteArray m_stderr;
 };
 
+// The bytes one side sent, from the rows of a trace: larkspur-run's (TX and RX after the time)
+// or the simulator's (without the time).
+QByteArray bytesOf(const QStringList& rows, const QString& direction);
+
 } // namespace larkspur::test

@@ -33,18 +33,6 @@ const QStringList simArguments = {"--pty",      "--after",      "CHK1", "1.5",
 // second before they take a frame whose end has not come for a piece of garbage.
 const QStringList patientFrames = {"--frame-gap", "1000"};
 
-// The bytes one side sent, from larkspur-run's trace rows or the simulator's.
-QByteArray bytesOf(const QStringList& rows, const QString& direction) {
-    static const QRegularExpression row(QStringLiteral("(?:^|^\\S+ )(TX|RX) (.*?)(?:   \\|.*)?$"));
-    QByteArray bytes;
-    for (const QString& line : rows) {
-        const QRegularExpressionMatch match = row.match(line);
-        if (match.hasMatch() && match.captured(1) == direction)
-            bytes += parseReadable(match.captured(2), nullptr);
-    }
-    return bytes;
-}
-
 class TapOverPtys : public PlayerFixture {
 protected:
     // Plays the script with larkspur-run on `port`, and checks what crossed and what was learned.

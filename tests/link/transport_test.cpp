@@ -2,6 +2,7 @@
 // loopback TCP and a pty pair: every byte both ways, in order, through full buffers; an answer
 // that leaves from inside the receiver; a lost link; the tty's line settings.
 #include "common/pbxsim_process.h"
+#include "common/stream_peer.h"
 #include "link/qt_serial_transport.h"
 #include "link/qt_tcp_transport.h"
 #ifndef LARKSPUR_PORTABLE
@@ -26,67 +27,6 @@ using namespace larkspur;
 using namespace larkspur::test;
 
 namespace {
-
-constexpr qsizetype megabyte = 1 << 20;
-
-// Every byte value, in a pattern that shows a lost, doubled or swapped stretch.
-QByteArray pattern(qsizetype size, int seed) {
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (qsizetype i = 0; i < size; ++i)
-        bytes[i] = char((i * 7 + i / 251 + seed) & 0xFF);
-    return bytes;
-}
-
-// The PBX end: a raw non-blocking descriptor driven by the event loop. It reads at most
-// `readLimit` bytes a wake-up, so a small limit plays a PBX that reads slowly.
-class Peer {
-public:
-    explicit Peer(int fd, qsizetype readLimit = 65536) : m_fd(fd), m_readLimit(readLimit) {
-        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
-        QObject::connect(&m_readable, &QSocketNotifier::activated, [this] { readSome(); });
-        QObject::connect(&m_writable, &QSocketNotifier::activated, [this] { writeSome(); });
-        m_writable.setEnabled(false);
-    }
-    ~Peer() { close(); }
-
-    void send(const QByteArray& bytes) {
-        m_unsent += bytes;
-        m_writable.setEnabled(true);
-    }
-    void close() {
-        m_readable.setEnabled(false);
-        m_writable.setEnabled(false);
-        if (m_fd >= 0)
-            ::close(m_fd);
-        m_fd = -1;
-    }
-    int fd() const { return m_fd; }
-
-    QByteArray received;
-
-private:
-    void readSome() {
-        QByteArray buffer(m_readLimit, Qt::Uninitialized);
-        const ssize_t n = ::read(m_fd, buffer.data(), size_t(buffer.size()));
-        if (n > 0)
-            received += buffer.first(n);
-        else if (n == 0 || errno != EAGAIN)
-            m_readable.setEnabled(false); // the console hung up
-    }
-    void writeSome() {
-        const ssize_t n = ::write(m_fd, m_unsent.constData(), size_t(m_unsent.size()));
-        if (n > 0)
-            m_unsent.remove(0, n);
-        if (m_unsent.isEmpty())
-            m_writable.setEnabled(false);
-    }
-
-    int m_fd;
-    qsizetype m_readLimit;
-    QSocketNotifier m_readable{m_fd, QSocketNotifier::Read};
-    QSocketNotifier m_writable{m_fd, QSocketNotifier::Write};
-    QByteArray m_unsent;
-};
 
 void shrinkBuffer(int fd, int option) {
     const int size = 16384;
@@ -127,7 +67,7 @@ const Implementation implementations[] = {
 // A connected pair: the transport under test and the raw peer, over TCP or a pty.
 struct Pair {
     std::unique_ptr<Transport> transport;
-    std::unique_ptr<Peer> peer;
+    std::unique_ptr<StreamPeer> peer;
     QString lostReason; // what linkLost says when the peer goes away
 };
 
@@ -149,7 +89,7 @@ Pair tcpPair(const Implementation& implementation, qsizetype readLimit = 65536) 
     implementation.connected(*tcp);
     const int accepted = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     ::close(listener);
-    return {std::move(tcp), std::make_unique<Peer>(accepted, readLimit),
+    return {std::move(tcp), std::make_unique<StreamPeer>(accepted, readLimit),
             QStringLiteral("closed by the PBX")};
 }
 
@@ -186,7 +126,7 @@ Pair ptyPair(const Implementation& implementation, bool nullDiscard = false) {
     PtyPair pty;
     std::unique_ptr<Transport> serial = implementation.serial();
     EXPECT_EQ(openSerial(*serial, pty.path, QStringLiteral("9600,N,8,1"), nullDiscard), "");
-    return {std::move(serial), std::make_unique<Peer>(pty.master), implementation.ptyLoss};
+    return {std::move(serial), std::make_unique<StreamPeer>(pty.master), implementation.ptyLoss};
 }
 
 // Every implementation over both links; `name` says which.

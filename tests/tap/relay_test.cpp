@@ -2,6 +2,7 @@
 // side that hangs up with bytes still on their way, and the monitor that never writes.
 #include "common/pbxsim_process.h"
 #include "common/qt_printers.h"
+#include "common/stream_peer.h"
 #include "core/qt_event_pump.h"
 #include "tap/relay.h"
 #include "tap/socket_end.h"
@@ -15,70 +16,9 @@
 
 using namespace larkspur;
 using namespace larkspur::tap;
-using larkspur::test::waitUntil;
+using namespace larkspur::test;
 
 namespace {
-
-constexpr qsizetype megabyte = 1 << 20;
-
-QByteArray pattern(qsizetype size, int seed) {
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (qsizetype i = 0; i < size; ++i)
-        bytes[i] = char((i * 13 + i / 241 + seed) & 0xFF);
-    return bytes;
-}
-
-// The PMS or the PBX: the far end of a socket pair, driven by the event loop.
-class Peer {
-public:
-    explicit Peer(int fd) : m_fd(fd) {
-        QObject::connect(&m_readable, &QSocketNotifier::activated, [this] { readSome(); });
-        QObject::connect(&m_writable, &QSocketNotifier::activated, [this] { writeSome(); });
-        m_writable.setEnabled(false);
-    }
-    ~Peer() { close(); }
-
-    void send(const QByteArray& bytes) {
-        m_unsent += bytes;
-        m_writable.setEnabled(true);
-    }
-    void setReading(bool reading) { m_readable.setEnabled(reading && m_fd >= 0); }
-    void close() {
-        m_readable.setEnabled(false);
-        m_writable.setEnabled(false);
-        if (m_fd >= 0)
-            ::close(m_fd);
-        m_fd = -1;
-    }
-    bool sentAll() const { return m_unsent.isEmpty(); }
-
-    QByteArray received;
-    bool hungUp = false; // the relay closed its end
-
-private:
-    void readSome() {
-        char buffer[65536];
-        const ssize_t n = ::read(m_fd, buffer, sizeof buffer);
-        if (n > 0) {
-            received.append(buffer, n);
-        } else if (n == 0 || errno != EAGAIN) {
-            hungUp = true;
-            m_readable.setEnabled(false);
-        }
-    }
-    void writeSome() {
-        const ssize_t n = ::write(m_fd, m_unsent.constData(), size_t(m_unsent.size()));
-        if (n > 0)
-            m_unsent.remove(0, n);
-        if (m_unsent.isEmpty())
-            m_writable.setEnabled(false);
-    }
-
-    int m_fd;
-    QSocketNotifier m_readable{m_fd, QSocketNotifier::Read};
-    QSocketNotifier m_writable{m_fd, QSocketNotifier::Write};
-    QByteArray m_unsent;
-};
 
 // The relay between two socket pairs, with what it announced.
 struct Session {
@@ -87,7 +27,7 @@ struct Session {
             int pair[2];
             ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, pair);
             ends[int(side)].adopt(pair[0], sideName(side) + QStringLiteral(" peer"));
-            peers[int(side)] = std::make_unique<Peer>(pair[1]);
+            peers[int(side)] = std::make_unique<StreamPeer>(pair[1]);
         }
         relay = std::make_unique<Relay>(pump, &ends[0], &ends[1], forward);
         QObject::connect(relay.get(), &Relay::passed, [this](Side from, const QByteArray& bytes) {
@@ -98,11 +38,11 @@ struct Session {
         QObject::connect(relay.get(), &Relay::ended,
                          [this](const QString& reason) { endings << reason; });
     }
-    Peer& peer(Side side) { return *peers[int(side)]; }
+    StreamPeer& peer(Side side) { return *peers[int(side)]; }
 
     QtEventPump pump;
     SocketEnd ends[2];
-    std::unique_ptr<Peer> peers[2];
+    std::unique_ptr<StreamPeer> peers[2];
     std::unique_ptr<Relay> relay;
     QByteArray passed[2];
     qsizetype largestUnsent = 0;
@@ -156,8 +96,8 @@ TEST(Relay, EitherSideHangingUpEndsTheSessionAfterItsLastBytes) {
     };
     for (const auto& c : cases) {
         Session s;
-        Peer& leaving = s.peer(c.hangsUp);
-        Peer& staying = s.peer(otherSide(c.hangsUp));
+        StreamPeer& leaving = s.peer(c.hangsUp);
+        StreamPeer& staying = s.peer(otherSide(c.hangsUp));
         const QByteArray last = pattern(c.lastBytes, 4);
         leaving.send(last);
         ASSERT_TRUE(waitUntil([&] { return leaving.sentAll(); }, 10000));

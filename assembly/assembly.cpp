@@ -7,14 +7,16 @@ namespace larkspur {
 
 Assembly::Assembly(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial,
                    qsizetype traceCapacity)
-    : session(pump, op, tcp, serial), trace(traceCapacity) {
+    : session(pump, op, tcp, serial), trace(pump, traceCapacity) {
     traceLink(session.link, trace);
     // Whatever was still unanswered when the link went down was never answered.
-    const auto finish = [this] { trace.finish(session.pump.currentDateTime()); };
-    connect(&session.link, &Link::disconnected, this, finish);
-    connect(&session.link, &Link::linkLost, this, finish);
-    connect(&trace, &WireTrace::exchangeEnded, this, [this](const ExchangeEvent& event) {
-        statistics.add(event);
+    connect(&session.link, &Link::disconnected, this,
+            [this] { trace.finish(QStringLiteral("the link was closed")); });
+    connect(&session.link, &Link::linkLost, this, [this](const QString& reason) {
+        trace.finish(QStringLiteral("link lost: ") + reason);
+    });
+    connect(&trace, &WireTrace::exchangeEnded, this, [this](const Exchange& exchange) {
+        statistics.add(exchange);
         Q_EMIT statisticsChanged();
     });
     connect(&session, &Session::expectationEnded, this,

@@ -2,6 +2,7 @@
 #include "bench_common.h"
 #include "bench_console.h"
 #include "core/qt_event_pump.h"
+#include "link/exchange.h"
 
 #include "core/pause.h"
 #include "script/expectation_waits.h"
@@ -28,7 +29,7 @@ int main(int argc, char** argv) {
     using larkspur::Session;
     const Wait waits[] = {
         {"wait_for_ack time-out", 5.0, 5, 3,
-         [](bench::Console& c) { c.session.link.wait_for_ack(false); }},
+         [](bench::Console& c) { wait_for_ack(c.session.link, false); }},
         {"expected-message wait (WAIT sts1 5)", 5.0, 20, 3,
          [](bench::Console& c) {
              larkspur::runExpectationWait(c.session, larkspur::WaitKind::Plain,

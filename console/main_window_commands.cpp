@@ -10,6 +10,7 @@
 #include "console/status_bar.h"
 #include "console/telnet_dialog.h"
 #include "core/operator_interface.h"
+#include "link/manual_commands.h"
 #include "script/script_check.h"
 #include "script/script_engine.h"
 #include "script/script_file.h"
@@ -28,13 +29,9 @@ namespace {
 
 template <typename Object> using Command = std::pair<const char*, void (Object::*)()>;
 
-const Command<Link> linkButtons[] = {
-    {"cmd_ack", &Link::cmd_ack},
-    {"cmd_nak", &Link::cmd_nak},
-    {"cmd_enquiry_basic", &Link::cmd_enquiry_basic},
-    {"cmd_ayt", &Link::cmd_ayt},
-    {"cmd_grs", &Link::cmd_grs},
-    {"cmd_end", &Link::cmd_end},
+const std::pair<const char*, void (*)(Link&)> linkButtons[] = {
+    {"cmd_ack", &cmd_ack}, {"cmd_nak", &cmd_nak}, {"cmd_enquiry_basic", &cmd_enquiry_basic},
+    {"cmd_ayt", &cmd_ayt}, {"cmd_grs", &cmd_grs}, {"cmd_end", &cmd_end},
 };
 
 const Command<ScriptEngine> scriptButtons[] = {
@@ -60,7 +57,7 @@ void MainWindow::wireCommands() {
         onClick(controlName(button.control).toLatin1().constData(),
                 [this, operation = button.operation] { (m_session.*operation)(); });
     for (const auto& [name, command] : linkButtons)
-        onClick(name, [this, command = command] { (m_session.link.*command)(); });
+        onClick(name, [this, command = command] { command(m_session.link); });
     for (const auto& [name, command] : scriptButtons)
         onClick(name, [this, command = command] { (m_engine.*command)(); });
     onClick("cmd_connect", [this] { connectLink(); });
@@ -76,9 +73,9 @@ void MainWindow::wireCommands() {
     onCheck("chk_error", [this](bool on) { m_session.chk_error_Click(on); });
     onCheck("chk_linked_suite", [this](bool on) { m_session.chk_linked_suite_Click(on); });
     onCheck("chk_manual", [this](bool on) { m_session.chk_manual_Click(on); });
-    onCheck("chk_DTREnabled", [this](bool on) { m_session.link.settings.dtrEnabled = on; });
-    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link.settings.rtsEnabled = on; });
-    onCheck("chk_NullDiscard", [this](bool on) { m_session.link.settings.nullDiscard = on; });
+    onCheck("chk_DTREnabled", [this](bool on) { m_session.link.settings().dtrEnabled = on; });
+    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link.settings().rtsEnabled = on; });
+    onCheck("chk_NullDiscard", [this](bool on) { m_session.link.settings().nullDiscard = on; });
     onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
 
     onChoose("cmb_restrict", [this](const QString& item) {

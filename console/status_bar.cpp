@@ -32,8 +32,8 @@ void ConsoleStatusBar::setWarning(const QString& text) {
 }
 
 void ConsoleStatusBar::refresh() {
-    m_linkLabel->setText(linkStatusText(m_link.settings, m_state, m_reason));
-    m_modeLabel->setText(modeStatusText(m_link.pmsMode, m_link.protocolType));
+    m_linkLabel->setText(linkStatusText(m_link.settings(), m_state, m_reason));
+    m_modeLabel->setText(modeStatusText(m_link.pmsMode(), m_link.protocolType()));
 }
 
 } // namespace larkspur

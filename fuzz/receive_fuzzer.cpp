@@ -11,6 +11,7 @@
 #include "core/virtual_event_pump.h"
 #include "doubles/fake_transport.h"
 #include "fuzz/fuzz_support.h"
+#include "link/exchange.h"
 #include "protocol/frame.h"
 #include "transactions/session.h"
 
@@ -60,21 +61,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     Rig rig(settings & 8);
     Link& link = rig.session.link;
-    link.pmsMode = settings & 1 ? PmsMode::Vmail : PmsMode::Hotel;
-    link.settings.useTcp = !(settings & 2);
-    link.protocolType = settings & 4 ? Protocol::His : Protocol::Hyatt;
+    link.setMode(settings & 1 ? PmsMode::Vmail : PmsMode::Hotel, link.protocolType());
+    link.settings().useTcp = !(settings & 2);
+    link.setMode(link.pmsMode(), settings & 4 ? Protocol::His : Protocol::Hyatt);
 
     while (!in.atEnd()) {
         const uint8_t how = in.byte();
         const QByteArray bytes = in.bytes(in.byte());
-        const bool overTcp = link.settings.useTcp != bool(how & 1);
+        const bool overTcp = link.settings().useTcp != bool(how & 1);
         const bool carrier = (how & 2) && !overTcp;
         FakeTransport& from = overTcp ? rig.tcp : rig.serial;
 
-        const QString before = link.lastControl();
+        const QString before = link.received().lastControl();
         const qsizetype tcpWrites = rig.tcp.written.size();
         const qsizetype serialWrites = rig.serial.written.size();
-        link.clearAckReceived();
+        ReceivedMessages::Reader arrivals = link.received().reader();
 
         if (carrier)
             rig.pump.schedule(100, [&rig] { Q_EMIT rig.serial.carrierDetectChanged(); });
@@ -86,10 +87,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             rig.pump.processEvents();
             break;
         case 1:
-            link.wait_for_ack(true);
+            wait_for_ack(link, true);
             break;
         case 2:
-            link.poll_for_ack(true);
+            poll_for_ack(link, true);
             break;
         default:
             pause_seconds(rig.pump, 2.0f);
@@ -99,7 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         rig.pump.advance(100);
         rig.pump.processEvents();
         FUZZ_CHECK(!rig.pump.hasPendingDeliveries(), "every read is handled");
-        FUZZ_CHECK(link.ackReceived(), "every read wakes the waits");
+        FUZZ_CHECK(arrivals.next().has_value(), "every read wakes the waits");
         FUZZ_CHECK(!link.waitingForAck(), "no wait is left running");
 
         // Automatic answers: at most one per read, a single ACK, and never to a serial ENQ.
@@ -114,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             FUZZ_CHECK(answers == 0, "a serial ENQ is only logged");
 
         // lastControl names the message, or is the message as received.
-        const QString& now = link.lastControl();
+        const QString& now = link.received().lastControl();
         if (carrier) {
             FUZZ_CHECK(now == u"Comm Event Fired ", "carrier detect names itself");
         } else {

@@ -204,8 +204,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     serial.openPort(QStringLiteral("/dev/ttyS0"));
     pump.processEvents();
 
-    session.link.settings.useTcp = !(play & 64);
-    FakeTransport& active = session.link.settings.useTcp ? tcp : serial;
+    session.link.settings().useTcp = !(play & 64);
+    FakeTransport& active = session.link.settings().useTcp ? tcp : serial;
     SimulatedPbx pbx{pump, active};
     if (script.pmsMode == PmsMode::Vmail)
         pbx.setMode(sim::Mode::Vmail);

@@ -2,6 +2,7 @@
 #include "core/event_pump.h"
 #include "core/operator_interface.h"
 #include "core/pause.h"
+#include "link/exchange.h"
 #include "link/link.h"
 #include "link/serial_line.h"
 #include "records/traffic_log.h"
@@ -25,7 +26,7 @@ Link::Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& t
 
 void Link::listen(Transport& transport, ReceiveAssembly& assembly) {
     connect(&transport, &Transport::dataReceived, this, [this, &transport, &assembly] {
-        assembly.setCheckCharacter(pmsMode != PmsMode::Hotel);
+        assembly.setCheckCharacter(m_pmsMode != PmsMode::Hotel);
         assembly.take(transport.readAll());
     });
     connect(&transport, &Transport::linkLost, this, [this, &assembly](const QString& reason) {
@@ -37,33 +38,38 @@ void Link::listen(Transport& transport, ReceiveAssembly& assembly) {
     connect(&transport, &Transport::warning, this, &Link::linkWarning);
 }
 
-int frameGapMs(const LinkSettings& settings) {
-    if (settings.frameGapMs > 0)
-        return settings.frameGapMs;
-    SerialLine line;
-    QString error;
-    if (settings.useTcp ||
-        !parseSerialLine(settings.speed + QLatin1Char(',') + settings.parity + QLatin1Char(',') +
-                             settings.dataBits + QLatin1Char(',') + settings.stopBits,
-                         line, error))
-        return defaultFrameGapMs(0, 0);
-    return defaultFrameGapMs(line.baudRate, bitsPerCharacter(line));
+void Link::setMode(PmsMode pmsMode, Protocol protocolType) {
+    m_pmsMode = pmsMode;
+    m_protocolType = protocolType;
+}
+
+void Link::send_text(const QString& text) {
+    Transport& transport = activeTransport();
+    if (!transport.isOpen())
+        return;
+    const QByteArray bytes = text.toLatin1();
+    transport.write(bytes);
+    Q_EMIT bytesSent(bytes);
+}
+
+bool Link::interrupted() const {
+    return m_lost || m_pump.stopRequested();
 }
 
 bool Link::isOpen() const {
-    return settings.useTcp ? m_tcp.isOpen() : m_serial.isOpen();
+    return m_settings.useTcp ? m_tcp.isOpen() : m_serial.isOpen();
 }
 
 bool Link::openTcp(double connectLimitSeconds) {
     bool portOk = false;
-    const uint port = settings.telnetPort.trimmed().toUInt(&portOk);
+    const uint port = m_settings.telnetPort.trimmed().toUInt(&portOk);
     if (!portOk || port == 0 || port > 65535) {
         m_operator.notify(QStringLiteral("TCP port \"%1\" is not a port number from 1 to 65535")
-                              .arg(settings.telnetPort));
+                              .arg(m_settings.telnetPort));
         return false;
     }
     m_tcp.close();
-    m_tcp.connectToHost(settings.ipAddress.trimmed(), quint16(port));
+    m_tcp.connectToHost(m_settings.ipAddress.trimmed(), quint16(port));
 
     // No limit in the window: the loop waits for the PBX until Disconnect is pressed. A PBX
     // that refused is asked again each second, so starting it later still connects.
@@ -86,24 +92,23 @@ bool Link::openTcp(double connectLimitSeconds) {
                                   ? float(qMin(1.0, connectLimitSeconds - waited))
                                   : 1.0f);
         if (!m_tcp.isOpen() && !m_connectAborted)
-            m_tcp.connectToHost(settings.ipAddress.trimmed(), quint16(port));
+            m_tcp.connectToHost(m_settings.ipAddress.trimmed(), quint16(port));
     }
     return true;
 }
 
 bool Link::openSerial() {
-    if (settings.commPortNumber.isEmpty()) {
+    if (m_settings.commPortNumber.isEmpty()) {
         m_operator.notify(QStringLiteral("specify port"));
         return false;
     }
     SerialOptions options;
-    options.lineSettings = settings.speed + QLatin1Char(',') + settings.parity + QLatin1Char(',') +
-                           settings.dataBits + QLatin1Char(',') + settings.stopBits;
-    options.dtr = settings.dtrEnabled;
-    options.rts = settings.rtsEnabled;
-    options.nullDiscard = settings.nullDiscard;
+    options.lineSettings = m_settings.lineSettings();
+    options.dtr = m_settings.dtrEnabled;
+    options.rts = m_settings.rtsEnabled;
+    options.nullDiscard = m_settings.nullDiscard;
 
-    const QString device = serialDeviceName(settings.commPortNumber);
+    const QString device = serialDeviceName(m_settings.commPortNumber);
     QString error = m_serial.applySerialOptions(options);
     if (error.isEmpty() && !m_serial.isOpen())
         error = m_serial.openPort(device);
@@ -118,16 +123,16 @@ bool Link::openSerial() {
 }
 
 bool Link::testLink() {
-    if (pmsMode == PmsMode::Vmail) {
+    if (m_pmsMode == PmsMode::Vmail) {
         const QString frame = build_vmail_message(QStringLiteral("1"), QString(), QString());
-        if (settings.useTcp)
+        if (m_settings.useTcp)
             m_log.logLine(QStringLiteral("Connecting..."));
         send_text(frame);
         m_log.logLine(frame);
-        return poll_for_ack(false);
+        return poll_for_ack(*this, false);
     }
     qint16 attempts = connectEnqAttempts;
-    return send_enq_counted(attempts);
+    return send_enq_counted(*this, attempts);
 }
 
 Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
@@ -138,9 +143,11 @@ Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
     m_lost = false;
     for (ReceiveAssembly* reads : {&m_tcpReads, &m_serialReads}) {
         reads->clear();
-        reads->setFrameGapMs(frameGapMs(settings));
+        reads->setFrameGapMs(
+            frameGapMs(m_settings.frameGapMs, m_settings.useTcp, m_settings.lineSettings()));
+        reads->setSplitJoined(m_settings.splitJoinedMessages);
     }
-    const bool opened = settings.useTcp ? openTcp(connectLimitSeconds) : openSerial();
+    const bool opened = m_settings.useTcp ? openTcp(connectLimitSeconds) : openSerial();
     if (!opened)
         return ConnectResult::NotOpened;
     if (!testLink()) {
@@ -157,7 +164,7 @@ Link::ConnectResult Link::cmd_connect(double connectLimitSeconds) {
 
 void Link::cmd_disconnect() {
     m_connectAborted = true;
-    if (settings.useTcp)
+    if (m_settings.useTcp)
         m_tcp.close();
     else if (m_serial.isOpen())
         m_serial.close();

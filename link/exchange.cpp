@@ -1,8 +1,10 @@
 // The ENQ/ACK exchange: waits that judge what the receiver recorded, and the line bid.
+#include "link/exchange.h"
+
 #include "core/event_pump.h"
 #include "core/pause.h"
 #include "link/link.h"
-#include "protocol/frame.h"
+#include "link/manual_commands.h"
 #include "records/traffic_log.h"
 
 #include <cmath>
@@ -23,105 +25,89 @@ float pollStep(double deadline, double now) {
     return untilPassed > 0 && untilPassed < double(ackPollStepSeconds) ? float(untilPassed)
                                                                        : ackPollStepSeconds;
 }
-
-QString enqText() {
-    return QString(QChar(ctl::ENQ));
-}
 } // namespace
 
-void Link::send_text(const QString& text) {
-    Transport& transport = activeTransport();
-    if (!transport.isOpen())
-        return;
-    const QByteArray bytes = text.toLatin1();
-    transport.write(bytes);
-    Q_EMIT bytesSent(bytes);
-}
-
-bool Link::interrupted() const {
-    return m_lost || m_pump.stopRequested();
-}
-
-void Link::wait_for_ack(bool show) {
-    m_ackReceived = false;
-    m_ackFailed = false;
-    bool timedOut = false;
+AckWait wait_for_ack(Link& link, bool show) {
+    EventPump& pump = link.pump();
+    ReceivedMessages::Reader arrivals = link.received().reader();
+    AckWait result;
     {
-        const WaitGuard busy(*this);
+        const Link::WaitGuard busy(link);
         // On the monotonic clock, in double precision: five seconds on the eighth day of a run
         // as on the first, across midnight too.
-        const double deadline = m_pump.monotonicSeconds() + double(ackTimeoutSeconds);
+        const double deadline = pump.monotonicSeconds() + double(ackTimeoutSeconds);
         for (;;) {
-            m_pump.processEvents();
-            if (m_ackReceived)
-                break;
-            if (interrupted()) {
-                m_ackFailed = true;
-                return;
-            }
-            const double now = m_pump.monotonicSeconds();
-            if (deadline < now) {
-                timedOut = true;
+            pump.processEvents();
+            if (const std::optional<QString> first = arrivals.next()) {
+                result.received = *first;
+                result.outcome = *first == u"ACK" ? AckWait::Outcome::Acknowledged
+                                                  : AckWait::Outcome::OtherAnswer;
                 break;
             }
-            pause_seconds(m_pump, pollStep(deadline, now));
+            if (link.interrupted())
+                return {AckWait::Outcome::Interrupted, QString()};
+            const double now = pump.monotonicSeconds();
+            if (deadline < now)
+                break;
+            pause_seconds(pump, pollStep(deadline, now));
         }
     }
-
-    if (timedOut) {
-        if (show)
-            m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
-        m_ackFailed = true;
-    } else if (m_lastControl != u"ACK") {
-        if (show) {
-            m_log.logLine(QStringLiteral("ERROR: DID NOT RECIEVE ACK FROM PBX"));
-            m_log.logLine(QStringLiteral("       -> RECEIVED ") + m_lastControl +
-                          QStringLiteral(" INSTEAD"));
-        }
-        m_ackFailed = true;
+    if (show && result.outcome == AckWait::Outcome::TimedOut) {
+        link.log().logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
+    } else if (show && result.outcome == AckWait::Outcome::OtherAnswer) {
+        link.log().logLine(QStringLiteral("ERROR: DID NOT RECIEVE ACK FROM PBX"));
+        link.log().logLine(QStringLiteral("       -> RECEIVED ") + result.received +
+                           QStringLiteral(" INSTEAD"));
     }
+    return result;
 }
 
-bool Link::poll_for_ack(bool show) {
+bool poll_for_ack(Link& link, bool show) {
+    EventPump& pump = link.pump();
+    ReceivedMessages::Reader arrivals = link.received().reader();
     {
-        const WaitGuard busy(*this);
+        const Link::WaitGuard busy(link);
         for (int attempt = 1; attempt <= pollAttempts; ++attempt) {
-            m_pump.processEvents();
+            pump.processEvents();
+            while (const std::optional<QString> message = arrivals.next()) {
+                if (*message == u"ACK")
+                    return true;
+            }
             // Not cleared first: whatever the receiver recorded last answers the poll.
-            if (m_lastControl == u"ACK")
+            if (link.received().lastControl() == u"ACK")
                 return true;
-            if (interrupted())
+            if (link.interrupted())
                 return false;
-            pause_seconds(m_pump, 1.0f);
+            pause_seconds(pump, 1.0f);
         }
     }
     if (show)
-        m_log.logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
+        link.log().logLine(QStringLiteral("ERROR: WAITING FOR ACK - TIMEOUT"));
     return false;
 }
 
-void Link::send_enq() {
-    if (waitingForAck())
-        return;
+AckWait send_enq(Link& link) {
+    if (link.waitingForAck())
+        return {AckWait::Outcome::Busy, QString()};
+    AckWait bid;
     for (int attempt = 1; attempt <= enqAttempts; ++attempt) {
-        m_log.logLine(QStringLiteral("Sending -->    ENQ"));
-        send_text(enqText());
-        wait_for_ack(false);
-        if (!m_ackFailed || interrupted())
-            return;
+        cmd_enquiry_basic(link);
+        bid = wait_for_ack(link, false);
+        if (!bid.ackFailed() || bid.outcome == AckWait::Outcome::Interrupted)
+            break;
     }
+    return bid;
 }
 
-bool Link::send_enq_counted(qint16& attemptsLeft) {
-    if (waitingForAck())
+bool send_enq_counted(Link& link, qint16& attemptsLeft) {
+    if (link.waitingForAck())
         return false;
     for (;;) {
-        m_log.logLine(QStringLiteral("Sending -->    ENQ"));
-        send_text(enqText());
-        if (poll_for_ack(false))
+        cmd_enquiry_basic(link);
+        if (poll_for_ack(link, false))
             return true;
         --attemptsLeft;
-        if (attemptsLeft == 0 || interrupted())
+        if (attemptsLeft == 0 || link.interrupted())
             return false;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "core/pms_mode.h"
 #include "link/receive_assembly.h"
+#include "link/received_messages.h"
 #include "link/transport.h"
 
 #include <QObject>
@@ -30,14 +31,18 @@ struct LinkSettings {
     // How long the line must be silent before a frame whose end never came is taken as it
     // stands; 0: the longer of 100 ms and 20 character times at the line's speed.
     int frameGapMs = 0;
+    // A serial-to-TCP converter joins messages: each whole message of a read is taken on its own.
+    bool splitJoinedMessages = false;
+
+    // "9600,N,8,1": speed, parity, data bits and stop bits as the serial port takes them.
+    QString lineSettings() const {
+        return speed + u',' + parity + u',' + dataBits + u',' + stopBits;
+    }
 };
 
-// The frame gap `settings` call for on the link they choose.
-int frameGapMs(const LinkSettings& settings);
-
-// The PBX link: the two transports, the ENQ/ACK exchange and the receivers. The receivers
-// record what the PBX answered; the waits judge it. The flags keep the names the whole console
-// uses for them and are written only here.
+// The PBX link: the two transports, opening and testing them, writing, and the receivers, which
+// log what the PBX sends, answer what it expects answered and keep every message, named, for
+// the waits (link/exchange.h) to judge.
 class Link : public QObject {
     Q_OBJECT
 public:
@@ -62,39 +67,25 @@ public:
     Link(EventPump& pump, TrafficLog& log, OperatorInterface& op, Transport& tcp,
          Transport& serial);
 
-    PmsMode pmsMode = PmsMode::Hotel;
-    Protocol protocolType = Protocol::Hyatt;
-    LinkSettings settings;
+    PmsMode pmsMode() const { return m_pmsMode; }
+    Protocol protocolType() const { return m_protocolType; }
+    void setMode(PmsMode pmsMode, Protocol protocolType);
+    const LinkSettings& settings() const { return m_settings; }
+    LinkSettings& settings() { return m_settings; }
 
-    // A wait or a send sequence is running.
+    // A wait or a send sequence is running: `waitingForAck`.
     bool waitingForAck() const { return m_waitDepth > 0; }
-    // Something arrived since the last wait started.
-    bool ackReceived() const { return m_ackReceived; }
-    // The last thing the PBX answered: "ACK", "NAK", "ENQ", "RTI", or a message's text.
-    const QString& lastControl() const { return m_lastControl; }
-    // The last wait_for_ack ended without an ACK.
-    bool ackFailed() const { return m_ackFailed; }
-    // An ACK arrived in voice-mail mode since expectVmailAck.
-    bool vmailAcked() const { return m_vmailAcked; }
-
-    // An expected-message wait has looked at what arrived; only what comes next counts.
-    void clearAckReceived() { m_ackReceived = false; }
-    // A voice-mail frame is about to go: only an ACK that answers it counts.
-    void expectVmailAck() { m_vmailAcked = false; }
+    // Everything the PBX sent, as the receivers named it.
+    const ReceivedMessages& received() const { return m_received; }
 
     EventPump& pump() { return m_pump; }
     TrafficLog& log() { return m_log; }
-    OperatorInterface& operatorInterface() { return m_operator; }
 
     // Writes `text` (one byte per character) to the active link; drops it while the link is
     // closed.
     void send_text(const QString& text);
+    // The voice-mail frame of the link's protocol; an unknown code is logged.
     QString build_vmail_message(const QString& code, const QString& field1, const QString& field2);
-
-    void wait_for_ack(bool show);
-    bool poll_for_ack(bool show);
-    void send_enq();
-    bool send_enq_counted(qint16& attemptsLeft);
 
     // The transport went away since the last connect (the PBX hung up, the device vanished).
     bool lost() const { return m_lost; }
@@ -106,16 +97,7 @@ public:
     ConnectResult cmd_connect(double connectLimitSeconds = 0);
     void cmd_disconnect();
     bool isOpen() const;
-    Transport& activeTransport() { return settings.useTcp ? m_tcp : m_serial; }
-
-    // The manual link commands: one control character or link-level message each, no wait.
-    // ACK and ENQ have no guard so they can answer the PBX while a sender waits.
-    void cmd_ack();
-    void cmd_nak();
-    void cmd_enquiry_basic();
-    void cmd_ayt();
-    void cmd_grs();
-    void cmd_end();
+    Transport& activeTransport() { return m_settings.useTcp ? m_tcp : m_serial; }
 
     // The receive handlers, one per transport; each takes one read as one message.
     void onSerialData(const QByteArray& bytes);
@@ -152,13 +134,13 @@ private:
     OperatorInterface& m_operator;
     Transport& m_tcp;
     Transport& m_serial;
+    PmsMode m_pmsMode = PmsMode::Hotel;
+    Protocol m_protocolType = Protocol::Hyatt;
+    LinkSettings m_settings;
     ReceiveAssembly m_tcpReads{m_pump};
     ReceiveAssembly m_serialReads{m_pump};
+    ReceivedMessages m_received;
     int m_waitDepth = 0;
-    bool m_ackReceived = false;
-    QString m_lastControl;
-    bool m_ackFailed = false;
-    bool m_vmailAcked = false;
     bool m_connectAborted = false;
     bool m_lost = false;
 };

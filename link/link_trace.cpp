@@ -1,6 +1,5 @@
 #include "link/link_trace.h"
 
-#include "core/event_pump.h"
 #include "link/link.h"
 #include "records/wire_trace.h"
 
@@ -8,10 +7,10 @@ namespace larkspur {
 
 void traceLink(Link& link, WireTrace& trace) {
     QObject::connect(&link, &Link::bytesSent, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.sent(bytes, link.pump().currentDateTime(), link.pmsMode != PmsMode::Hotel);
+        trace.sent(bytes, link.pmsMode());
     });
     QObject::connect(&link, &Link::bytesReceived, &trace, [&link, &trace](const QByteArray& bytes) {
-        trace.received(bytes, link.pump().currentDateTime(), link.pmsMode != PmsMode::Hotel);
+        trace.received(bytes, link.pmsMode());
     });
 }
 

@@ -1,45 +1,43 @@
+#include "link/manual_commands.h"
+
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "records/traffic_log.h"
 
 namespace larkspur {
 
-void Link::cmd_ack() {
-    m_log.logLine(QStringLiteral("Sending -->    ACK"));
-    send_text(QString(QChar(ctl::ACK)));
-}
-
-void Link::cmd_nak() {
-    if (waitingForAck())
+namespace {
+// Logs "Sending -->    " and `shown`, then sends `text`; nothing while a wait runs when guarded.
+void send(Link& link, bool guarded, const QString& shown, const QString& text) {
+    if (guarded && link.waitingForAck())
         return;
-    m_log.logLine(QStringLiteral("Sending -->    NAK"));
-    send_text(QString(QChar(ctl::NAK)));
+    link.log().logLine(QStringLiteral("Sending -->    ") + shown);
+    link.send_text(text);
+}
+} // namespace
+
+void cmd_ack(Link& link) {
+    send(link, false, QStringLiteral("ACK"), QString(QChar(ctl::ACK)));
 }
 
-void Link::cmd_enquiry_basic() {
-    m_log.logLine(QStringLiteral("Sending -->    ENQ"));
-    send_text(QString(QChar(ctl::ENQ)));
+void cmd_nak(Link& link) {
+    send(link, true, QStringLiteral("NAK"), QString(QChar(ctl::NAK)));
 }
 
-void Link::cmd_ayt() {
-    if (waitingForAck())
-        return;
-    m_log.logLine(QStringLiteral("Sending -->    AREYUTHERE"));
-    send_text(plain_frame(QStringLiteral("AREYUTHERE")));
+void cmd_enquiry_basic(Link& link) {
+    send(link, false, QStringLiteral("ENQ"), QString(QChar(ctl::ENQ)));
 }
 
-void Link::cmd_grs() {
-    if (waitingForAck())
-        return;
-    m_log.logLine(QStringLiteral("Sending -->    GRS"));
-    send_text(plain_frame(QStringLiteral("GRS       ")));
+void cmd_ayt(Link& link) {
+    send(link, true, QStringLiteral("AREYUTHERE"), plain_frame(QStringLiteral("AREYUTHERE")));
 }
 
-void Link::cmd_end() {
-    if (waitingForAck())
-        return;
-    m_log.logLine(QStringLiteral("Sending -->    END"));
-    send_text(plain_frame(QStringLiteral("END       ")));
+void cmd_grs(Link& link) {
+    send(link, true, QStringLiteral("GRS"), plain_frame(QStringLiteral("GRS       ")));
+}
+
+void cmd_end(Link& link) {
+    send(link, true, QStringLiteral("END"), plain_frame(QStringLiteral("END       ")));
 }
 
 } // namespace larkspur

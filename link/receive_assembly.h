@@ -1,6 +1,6 @@
 #pragma once
 
-#include "protocol/frame_scanner.h"
+#include "protocol/wire_reader.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -10,26 +10,25 @@ namespace larkspur {
 class EventPump;
 
 // Turns the reads of one transport into the reads the receiver takes as messages. A read that
-// ends inside a frame (its STX came, its ETX has not; in voice-mail mode, the check character
-// after the ETX has not) is not finished: the unfinished frame is held and joined with what
-// follows until it is complete, and then handed over as one read in that same wake-up, so its
-// answer is never late. Whatever comes before the unfinished frame is handed over at once, as
-// is every read that ends outside a frame: a lone ACK, an ACK and a frame that came together,
-// unframed text. A frame whose end never comes is handed over as it stands once the line has
-// been silent for the frame gap.
+// ends inside a frame (its STX came, its end has not) is not finished: the unfinished frame is
+// held and joined with what follows until it is complete, and then handed over in that same
+// wake-up, so its answer is never late. Whatever comes before the unfinished frame is handed over
+// at once, as is every read that ends outside a frame: a lone ACK, an ACK and a frame that came
+// together, unframed text. A frame whose end never comes is handed over as it stands once the
+// line has been silent for the frame gap.
+//
+// A read that holds several whole messages stays one, unless the link is told that a converter
+// joins them: then each ENQ, ACK, NAK, frame and run of other bytes is handed over on its own.
 class ReceiveAssembly : public QObject {
     Q_OBJECT
 public:
-    // A frame is a few dozen bytes; past this, what is held is no frame and is handed over.
-    static constexpr qsizetype maxHeldBytes = 64 * 1024;
-
     explicit ReceiveAssembly(EventPump& pump, QObject* parent = nullptr);
 
     // Voice-mail frames end one byte after their ETX.
-    void setCheckCharacter(bool checkCharacter) { m_scanner.setCheckCharacter(checkCharacter); }
-    // How long the line must be silent before an unfinished frame is handed over as it stands.
-    void setFrameGapMs(int milliseconds) { m_frameGapMs = qMax(1, milliseconds); }
-    int frameGapMs() const { return m_frameGapMs; }
+    void setCheckCharacter(bool checkCharacter) { m_reader.setCheckCharacter(checkCharacter); }
+    void setFrameGapMs(int milliseconds) { m_reader.setFrameGapMs(milliseconds); }
+    int frameGapMs() const { return m_reader.frameGapMs(); }
+    void setSplitJoined(bool split) { m_splitJoined = split; }
 
     // Takes one read of the transport; emits `message` for each read that is finished.
     void take(const QByteArray& bytes);
@@ -37,30 +36,17 @@ public:
     void flush();
     // Forgets what is held: the link was closed.
     void clear();
-    bool holding() const { return !m_held.isEmpty(); }
+    bool holding() const { return m_reader.holding(); }
 
 Q_SIGNALS:
     // One read for the receiver.
     void message(const QByteArray& bytes);
 
 private:
-    void handOver(qsizetype length);
-    void watchTheGap();
-    void onGapTimer();
-
-    EventPump& m_pump;
-    FrameScanner m_scanner;
-    int m_frameGapMs = 100;
-    QByteArray m_held;
-    // Where the unfinished frame begins in m_held.
-    qsizetype m_frameStart = 0;
-    double m_lastArrival = 0;
-    bool m_timerArmed = false;
+    WireReader m_reader;
+    bool m_splitJoined = false;
+    // Frames that a new STX started over, held with the frame that follows them.
+    QByteArray m_restarted;
 };
-
-// The frame gap that suits a line: the longer of 100 ms and 20 character times. A character
-// takes `bitsPerCharacter` (start, data, parity and stop bits) at `baud`; 0 baud is a link
-// without a line speed (TCP).
-int defaultFrameGapMs(int baud, double bitsPerCharacter);
 
 } // namespace larkspur

@@ -1,7 +1,7 @@
 // The two receive handlers. Each read is one message (the receive assembly has joined the pieces
-// of a frame): it is logged, named in lastControl for whatever wait runs, and a few PBX messages
-// are acknowledged at once. The serial and TCP handlers differ on purpose in the details noted
-// below.
+// of a frame): it is logged, kept under the name the waits compare (`lastControl`), and a few PBX
+// messages are acknowledged at once. The serial and TCP handlers differ on purpose in the details
+// noted below.
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "records/traffic_log.h"
@@ -9,7 +9,7 @@
 namespace larkspur {
 
 namespace {
-const QString received = QStringLiteral("Received--> ");
+const QString receivedHead = QStringLiteral("Received--> ");
 
 // Compared as views: the receiver runs before the PBX gets its answer, so it allocates nothing.
 bool isOne(const QString& text, char16_t c) {
@@ -31,24 +31,23 @@ bool needsAck(const QString& text) {
 } // namespace
 
 void Link::onSerialCarrierDetect() {
-    m_ackReceived = true;
     m_log.logLine(QStringLiteral(" Comm Event Fired 5"));
-    m_lastControl = QStringLiteral("Comm Event Fired ");
+    m_received.add(QStringLiteral("Comm Event Fired "));
 }
 
 void Link::onSerialData(const QByteArray& bytes) {
-    m_ackReceived = true;
     Q_EMIT bytesReceived(bytes);
     receive(QString::fromLatin1(bytes), Receiver::Serial);
 }
 
 void Link::onTcpData(const QByteArray& bytes) {
-    m_ackReceived = true;
     Q_EMIT bytesReceived(bytes);
     const QString text = trimBlanks(QString::fromLatin1(bytes));
     if (text == QString::fromLatin1("\xFF\xFB\x01")) {
-        // The server offers to echo: the connection is still being set up.
+        // The server offers to echo: the connection is still being set up. It still wakes the
+        // waits, with the last message's name unchanged.
         m_log.logLine(QStringLiteral("Connecting..."));
+        m_received.add(m_received.lastControl());
         return;
     }
     receive(text, Receiver::Tcp);
@@ -79,35 +78,37 @@ void Link::receive(QString text, Receiver receiver) {
         send_text(QString(QChar(ctl::ACK)));
     const auto logAnswer = [this] { m_log.logLine(QStringLiteral("Sending -->    ACK")); };
 
-    if (pmsMode != PmsMode::Hotel)
+    if (m_pmsMode != PmsMode::Hotel)
         logVmailStatus(text, receiver);
 
+    // Every read is a message for the waits, named as they compare it.
+    QString lastControl;
     if (isOne(text, ctl::ACK)) {
-        m_log.logLine(pmsMode == PmsMode::Hotel ? received + QStringLiteral("ACK")
-                                                : QStringLiteral("PBX ACKed"));
-        m_lastControl = QStringLiteral("ACK");
-        m_vmailAcked = true;
+        m_log.logLine(m_pmsMode == PmsMode::Hotel ? receivedHead + QStringLiteral("ACK")
+                                                  : QStringLiteral("PBX ACKed"));
+        lastControl = QStringLiteral("ACK");
     } else if (isOne(text, ctl::ENQ)) {
-        m_log.logLine(received + QStringLiteral("ENQ"));
-        m_lastControl = QStringLiteral("ENQ");
+        m_log.logLine(receivedHead + QStringLiteral("ENQ"));
+        lastControl = QStringLiteral("ENQ");
         // Over TCP the PBX's line bid is granted at once; over serial it is only logged.
         if (answered)
             logAnswer();
     } else if (isOne(text, ctl::NAK)) {
-        m_log.logLine(received + QStringLiteral("NAK"));
-        m_lastControl = QStringLiteral("NAK");
+        m_log.logLine(receivedHead + QStringLiteral("NAK"));
+        lastControl = QStringLiteral("NAK");
     } else if (text == rqinzFrame()) {
-        m_log.logLine(received + QStringLiteral("RQINZ     "));
-        m_lastControl =
-            receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");
+        m_log.logLine(receivedHead + QStringLiteral("RQINZ     "));
+        lastControl = receiver == Receiver::Serial ? QStringLiteral("RTI") : QStringLiteral("rti");
     } else if (receiver == Receiver::Tcp && text.isEmpty()) {
-        // Nothing but blanks arrived over TCP: not logged, lastControl kept.
+        // Nothing but blanks arrived over TCP: not logged, the last name kept.
+        lastControl = m_received.lastControl();
     } else {
-        m_log.logLine(received + text);
-        m_lastControl = text;
+        m_log.logLine(receivedHead + text);
+        lastControl = text;
         if (answered)
             logAnswer();
     }
+    m_received.add(lastControl);
 }
 
 qsizetype find_position_of_next_message(qsizetype start, const QString& text) {

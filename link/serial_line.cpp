@@ -1,5 +1,7 @@
 #include "link/serial_line.h"
 
+#include <cmath>
+
 #include <QStringList>
 
 namespace larkspur {
@@ -61,11 +63,21 @@ bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
     return true;
 }
 
-double bitsPerCharacter(const SerialLine& line) {
+int frameGapMs(int givenMs, bool tcp, const QString& lineSettings) {
+    constexpr int floorMs = 100;
+    constexpr int characters = 20;
+    if (givenMs > 0)
+        return givenMs;
+    SerialLine line;
+    QString error;
+    if (tcp || !parseSerialLine(lineSettings, line, error) || line.baudRate <= 0)
+        return floorMs;
+    // A character is a start bit, the data bits, the parity bit and the stop bits.
     const double stop = line.stopBits == QSerialPort::OneStop          ? 1.0
                         : line.stopBits == QSerialPort::OneAndHalfStop ? 1.5
                                                                        : 2.0;
-    return 1.0 + line.dataBits + (line.parity == QSerialPort::NoParity ? 0.0 : 1.0) + stop;
+    const double bits = 1.0 + line.dataBits + (line.parity == QSerialPort::NoParity ? 0 : 1) + stop;
+    return qMax(floorMs, int(std::ceil(characters * bits * 1000.0 / double(line.baudRate))));
 }
 
 QString serialDeviceName(const QString& commPortNumber) {

@@ -17,8 +17,10 @@ struct SerialLine {
 // On a bad text returns false and says which part is wrong in `error`.
 bool parseSerialLine(const QString& text, SerialLine& line, QString& error);
 
-// The bits one character takes on the line: start, data, parity and stop bits.
-double bitsPerCharacter(const SerialLine& line);
+// How long a line must be silent before a frame whose end never came is taken as it stands:
+// `givenMs` when it is set (above 0); otherwise, on a serial line of `lineSettings`, the longer of
+// 100 ms and 20 character times, and 100 ms over TCP.
+int frameGapMs(int givenMs, bool tcp, const QString& lineSettings);
 
 // A port number N is the platform's Nth port; any other text is a device name or path.
 QString serialDeviceName(const QString& commPortNumber);

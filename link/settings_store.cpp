@@ -9,6 +9,7 @@ namespace larkspur {
 namespace {
 const QString group = QStringLiteral("Startup");
 const QString frameGapKey = QStringLiteral("Link/FrameGapMs");
+const QString splitJoinedKey = QStringLiteral("Link/SplitJoinedMessages");
 constexpr int maxFrameGapMs = 60'000;
 
 // The frame gap stored, 0 when there is none; an unusable one is named in `problem`.
@@ -30,7 +31,7 @@ int storedFrameGap(const QSettings& store, QString& problem) {
 
 QString loadLinkSettings(QSettings& store, Link& link) {
     const LinkSettings defaults;
-    LinkSettings& s = link.settings;
+    LinkSettings& s = link.settings();
     store.beginGroup(group);
     const auto text = [&store](const char* key, const QString& fallback) {
         return store.value(QLatin1String(key), fallback).toString();
@@ -45,18 +46,28 @@ QString loadLinkSettings(QSettings& store, Link& link) {
     s.handShake = text("HandShake", defaults.handShake);
     s.useTcp = text("ConnectionType", QStringLiteral("Telnet")) == u"Telnet";
     // Anything but the first-run value reads as the other one.
-    link.protocolType =
-        text("ProtocolType", QStringLiteral("HYATT")) == u"HYATT" ? Protocol::Hyatt : Protocol::His;
-    link.pmsMode =
-        text("PMSMode", QStringLiteral("HOTEL")) == u"HOTEL" ? PmsMode::Hotel : PmsMode::Vmail;
+    link.setMode(link.pmsMode(), text("ProtocolType", QStringLiteral("HYATT")) == u"HYATT"
+                                     ? Protocol::Hyatt
+                                     : Protocol::His);
+    link.setMode(text("PMSMode", QStringLiteral("HOTEL")) == u"HOTEL" ? PmsMode::Hotel
+                                                                      : PmsMode::Vmail,
+                 link.protocolType());
     store.endGroup();
     QString problem;
     s.frameGapMs = storedFrameGap(store, problem);
+    // Set by hand for a serial-to-TCP converter that joins messages; "true" or "false".
+    const QString split = store.value(splitJoinedKey, QStringLiteral("false")).toString();
+    s.splitJoinedMessages = split.trimmed().compare(u"true", Qt::CaseInsensitive) == 0;
+    if (!s.splitJoinedMessages && split.trimmed().compare(u"false", Qt::CaseInsensitive) != 0 &&
+        problem.isEmpty())
+        problem = QStringLiteral("setting %1 \"%2\" is neither true nor false; joined messages "
+                                 "stay one")
+                      .arg(splitJoinedKey, split);
     return problem;
 }
 
 QString saveLinkSettings(QSettings& store, const Link& link) {
-    const LinkSettings& s = link.settings;
+    const LinkSettings& s = link.settings();
     store.beginGroup(group);
     store.setValue(QStringLiteral("IP_Address"), s.ipAddress);
     store.setValue(QStringLiteral("TelnetPort"), s.telnetPort);
@@ -66,8 +77,8 @@ QString saveLinkSettings(QSettings& store, const Link& link) {
     store.setValue(QStringLiteral("Databit"), s.dataBits);
     store.setValue(QStringLiteral("StopBit"), s.stopBits);
     store.setValue(QStringLiteral("HandShake"), s.handShake);
-    store.setValue(QStringLiteral("ProtocolType"), protocolName(link.protocolType));
-    store.setValue(QStringLiteral("PMSMode"), pmsModeName(link.pmsMode));
+    store.setValue(QStringLiteral("ProtocolType"), protocolName(link.protocolType()));
+    store.setValue(QStringLiteral("PMSMode"), pmsModeName(link.pmsMode()));
     store.setValue(QStringLiteral("ConnectionType"),
                    s.useTcp ? QStringLiteral("Telnet") : QStringLiteral("CommPort"));
     store.endGroup();

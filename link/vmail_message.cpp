@@ -9,7 +9,7 @@ QString Link::build_vmail_message(const QString& code, const QString& field1,
                                   const QString& field2) {
     bool recognized = false;
     const QString frame =
-        larkspur::build_vmail_message(code, field1, field2, protocolType, recognized);
+        larkspur::build_vmail_message(code, field1, field2, m_protocolType, recognized);
     if (!recognized)
         m_log.logLine(QStringLiteral("Unrecognized command!"));
     return frame;

@@ -47,7 +47,7 @@ public:
 };
 
 void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& script) {
-    LinkSettings& s = session.link.settings;
+    LinkSettings& s = session.link.settings();
     if (o.tcpHost) {
         s.useTcp = true;
         s.ipAddress = *o.tcpHost;
@@ -64,13 +64,15 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
         s.dataBits = parts[2];
         s.stopBits = parts[3];
     }
-    if (o.frameGapMs)
-        s.frameGapMs = *o.frameGapMs;
+    if (o.frameGapMs > 0)
+        s.frameGapMs = o.frameGapMs;
+    if (o.splitJoined)
+        s.splitJoinedMessages = true;
     s.dtrEnabled = o.dtr;
     s.rtsEnabled = o.rts;
     s.nullDiscard = o.nullDiscard;
-    session.link.pmsMode = o.mode.value_or(script.pmsMode);
-    session.link.protocolType = o.protocol.value_or(script.protocolType);
+    session.link.setMode(o.mode.value_or(script.pmsMode), session.link.protocolType());
+    session.link.setMode(session.link.pmsMode(), o.protocol.value_or(script.protocolType));
     session.chk_error_Click(o.errorMode);
 }
 
@@ -205,7 +207,7 @@ int HeadlessRun::play(const ScriptText& script) {
         });
 
     if (m_beforeConnect)
-        m_beforeConnect(m_session.link.pmsMode);
+        m_beforeConnect(m_session.link.pmsMode());
     const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
     if (m_termination || connected != Link::ConnectResult::Connected)
         return connectionFailed(connected);
@@ -217,7 +219,7 @@ int HeadlessRun::play(const ScriptText& script) {
 }
 
 int HeadlessRun::connectionFailed(Link::ConnectResult connected) {
-    const LinkSettings& s = m_session.link.settings;
+    const LinkSettings& s = m_session.link.settings();
     QString why;
     int status = exitcode::noLink;
     if (m_termination) {
@@ -257,7 +259,7 @@ void HeadlessRun::onLinkLost(const QString& reason) {
 }
 
 int HeadlessRun::finish(int status) {
-    m_console.trace.finish(m_pump.currentDateTime());
+    m_console.trace.finish(QStringLiteral("the run ended"));
     if (!m_console.statistics.isEmpty())
         std::fprintf(stderr, "%s", qPrintable(m_console.statistics.table()));
     m_outputs.finish(m_console.statistics);

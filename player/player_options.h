@@ -25,7 +25,8 @@ struct PlayerOptions {
     bool errorMode = false;
     bool continuous = false;
     double connectTimeoutSeconds = 30;
-    std::optional<int> frameGapMs; // --frame-gap
+    int frameGapMs = 0; // --frame-gap; 0: none given
+    bool splitJoined = false;
     // --no-settings: the window's stored settings are not read, so a run depends on its
     // command line alone.
     bool noSettings = false;

@@ -19,11 +19,24 @@ QString Time_of_error(const QDateTime& now) {
            now.toString(QStringLiteral("HH:mm:ss"));
 }
 
+char blockCheck(QByteArrayView bytes) {
+    char bcc = 0;
+    for (const char byte : bytes)
+        bcc ^= byte;
+    return bcc;
+}
+
 QString CRC(const QString& text) {
-    quint8 bcc = 0;
-    for (QChar c : text)
-        bcc ^= quint8(c.unicode() & 0xFF);
-    return QString(QChar(char16_t(bcc)));
+    // Each character takes part with the low byte of its code.
+    QByteArray low(text.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i)
+        low[i] = char(text.at(i).unicode() & 0xFF);
+    return QString(QChar(char16_t(quint8(blockCheck(low)))));
+}
+
+bool checkCharacterRight(QByteArrayView frame) {
+    return frame.size() >= 3 && frame.at(frame.size() - 2) == char(ctl::ETX) &&
+           blockCheck(frame.sliced(1, frame.size() - 2)) == frame.back();
 }
 
 QString pad_field(QString& text, qint16 width) {

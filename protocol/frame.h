@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QChar>
 #include <QDateTime>
 #include <QString>
@@ -25,6 +26,11 @@ QString Time_of_error(const QDateTime& now);
 
 // The voice-mail block check: XOR of the low byte of every character, as one character.
 QString CRC(const QString& text);
+// The same check over bytes.
+char blockCheck(QByteArrayView bytes);
+// A voice-mail frame (STX, body, ETX, check character) whose last byte is the check of its body
+// and ETX.
+bool checkCharacterRight(QByteArrayView frame);
 
 // Appends blanks until `text` is `width` long; never shortens. Returns the result as well.
 QString pad_field(QString& text, qint16 width);

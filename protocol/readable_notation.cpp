@@ -80,8 +80,7 @@ QByteArray parseReadable(const QString& text, QString* error) {
             const qsizetype close = text.indexOf(u'>', i + 1);
             const QString name = close < 0 ? QString() : text.mid(i + 1, close - i - 1);
             if (name == u"BCC") {
-                const QByteArray checked = bytes.mid(checkFrom);
-                bytes.append(char(CRC(QString::fromLatin1(checked)).at(0).unicode()));
+                bytes.append(blockCheck(QByteArrayView(bytes).sliced(checkFrom)));
             } else {
                 const auto tag = std::find_if(controlTags.begin(), controlTags.end(),
                                               [&](const Tag& t) { return name == t.name; });

@@ -21,32 +21,34 @@ qint64 RunStatistics::Row::medianMs() const {
     return -1;
 }
 
-void RunStatistics::add(const ExchangeEvent& event) {
-    Row& row = m_rows[event.type];
-    ++row.sent;
-    switch (event.outcome) {
-    case ExchangeEvent::Outcome::Acknowledged:
-        ++row.acknowledged;
-        break;
-    case ExchangeEvent::Outcome::Refused:
-        ++row.refused;
-        break;
-    case ExchangeEvent::Outcome::TimedOut:
-        ++row.timedOut;
-        break;
-    }
-    if (event.answerMs >= 0) {
-        ++row.answerMs[event.answerMs];
-        ++row.answered;
-    }
+void RunStatistics::add(const Exchange& exchange) {
+    count(exchange.type, exchange.outcome, exchange.answered() ? exchange.ms : -1);
 }
 
 void RunStatistics::addWait(const QString& item, bool succeeded, qint64 ms) {
-    ExchangeEvent event{QStringLiteral("wait ") + item,
-                        succeeded ? ExchangeEvent::Outcome::Acknowledged
-                                  : ExchangeEvent::Outcome::TimedOut,
-                        succeeded ? ms : -1};
-    add(event);
+    count(QStringLiteral("wait ") + item,
+          succeeded ? Exchange::Outcome::Acknowledged : Exchange::Outcome::TimedOut,
+          succeeded ? ms : -1);
+}
+
+void RunStatistics::count(const QString& type, Exchange::Outcome outcome, qint64 answerMs) {
+    Row& row = m_rows[type];
+    ++row.sent;
+    switch (outcome) {
+    case Exchange::Outcome::Acknowledged:
+        ++row.acknowledged;
+        break;
+    case Exchange::Outcome::Refused:
+        ++row.refused;
+        break;
+    case Exchange::Outcome::TimedOut:
+        ++row.timedOut;
+        break;
+    }
+    if (answerMs >= 0) {
+        ++row.answerMs[answerMs];
+        ++row.answered;
+    }
 }
 
 QString RunStatistics::table() const {

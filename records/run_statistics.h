@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/wire_trace.h"
+#include "records/exchange_pairing.h"
 
 #include <QMap>
 #include <QString>
@@ -24,7 +24,7 @@ public:
         qint64 maxMs() const;
     };
 
-    void add(const ExchangeEvent& event);
+    void add(const Exchange& exchange);
     // An expected-message wait: "wait sts2" rows count successes as acknowledged.
     void addWait(const QString& item, bool succeeded, qint64 ms);
 
@@ -35,6 +35,8 @@ public:
     QString table() const;
 
 private:
+    void count(const QString& type, Exchange::Outcome outcome, qint64 answerMs);
+
     QMap<QString, Row> m_rows;
 };
 

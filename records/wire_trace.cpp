@@ -1,30 +1,27 @@
 #include "records/wire_trace.h"
 
-#include "protocol/message_catalogue.h"
+#include "core/event_pump.h"
 #include "protocol/readable_notation.h"
 
 namespace larkspur {
 
 namespace {
-const char ENQ = 5, ACK = 6, NAK = 21, STX = 2, ETX = 3;
-
-// A voice-mail frame: STX, body, ETX and the check character last.
-bool checkCharacterRight(const QByteArray& frame) {
-    const qsizetype etx = frame.lastIndexOf(ETX, frame.size() - 2);
-    if (!frame.startsWith(STX) || etx < 1 || etx != frame.size() - 2)
-        return false;
-    quint8 bcc = 0;
-    for (qsizetype i = 1; i <= etx; ++i)
-        bcc ^= quint8(frame[i]);
-    return bcc == quint8(frame.back());
-}
-
-bool isVmailFrame(const QByteArray& b) {
-    return b.size() >= 3 && b.startsWith(STX) && b[b.size() - 2] == ETX;
+// How an answer reads in the row that carries it.
+QString answerNote(const Exchange& exchange) {
+    const QString who = exchange.from == Side::Pbx ? QStringLiteral("PBX ") : QString();
+    const QString verb = exchange.outcome == Exchange::Outcome::Acknowledged
+                             ? QStringLiteral("ACKed")
+                             : QStringLiteral("NAKed");
+    return exchange.enq
+               ? who + QStringLiteral("ENQ answered in %1 ms (%2)").arg(exchange.ms).arg(verb)
+               : who + QStringLiteral("frame %1 in %2 ms").arg(verb).arg(exchange.ms);
 }
 } // namespace
 
-WireTrace::WireTrace(qsizetype capacity) : m_capacity(qMax<qsizetype>(1, capacity)) {}
+WireTrace::WireTrace(EventPump& pump, qsizetype capacity)
+    : m_pump(pump), m_pairing(pump, PmsMode::Hotel, 0), m_capacity(qMax<qsizetype>(1, capacity)) {
+    connect(&m_pairing, &ExchangePairing::ended, this, &WireTrace::onEnded);
+}
 
 const WireRow& WireTrace::row(qsizetype index) const {
     return m_rows.at((m_first + index) % m_rows.size());
@@ -47,62 +44,48 @@ void WireTrace::add(WireRow row) {
     ++m_dropped;
 }
 
-void WireTrace::endPending(ExchangeEvent::Outcome outcome, const QDateTime& time, QString* note) {
-    if (!m_pending.active)
-        return;
-    m_pending.active = false;
-    ExchangeEvent event{m_pending.type, outcome, -1};
-    const bool enq = m_pending.type == u"ENQ";
-    if (outcome == ExchangeEvent::Outcome::TimedOut) {
-        *note = (enq ? QStringLiteral("ENQ") : QStringLiteral("frame")) +
-                QStringLiteral(" unanswered (%1 ms)").arg(m_pending.since.msecsTo(time));
-    } else {
-        event.answerMs = m_pending.since.msecsTo(time);
-        const QString verb = outcome == ExchangeEvent::Outcome::Acknowledged
-                                 ? QStringLiteral("ACKed")
-                                 : QStringLiteral("NAKed");
-        *note = enq ? QStringLiteral("ENQ answered in %1 ms (%2)").arg(event.answerMs).arg(verb)
-                    : QStringLiteral("frame %1 in %2 ms").arg(verb).arg(event.answerMs);
-    }
-    Q_EMIT exchangeEnded(event);
+void WireTrace::sent(const QByteArray& bytes, PmsMode mode) {
+    take(Side::Pms, {m_pump.currentDateTime(), WireRow::Kind::Sent, bytes, {}}, mode);
 }
 
-void WireTrace::sent(const QByteArray& bytes, const QDateTime& time, bool vmail) {
-    WireRow row{time, WireRow::Kind::Sent, bytes, {}};
-    const bool enq = bytes == QByteArray(1, ENQ);
-    const bool frame = bytes.startsWith(STX);
-    if (enq || frame) {
-        // A new bid or frame means the one before was never answered.
-        QString unanswered;
-        endPending(ExchangeEvent::Outcome::TimedOut, time, &unanswered);
-        if (!unanswered.isEmpty())
-            add(WireRow{time, WireRow::Kind::Note, {}, unanswered});
-        m_pending = {enq ? QStringLiteral("ENQ") : messageType(bytes, vmail), time, true};
+void WireTrace::received(const QByteArray& bytes, PmsMode mode) {
+    take(Side::Pbx, {m_pump.currentDateTime(), WireRow::Kind::Received, bytes, {}}, mode);
+}
+
+void WireTrace::take(Side from, WireRow row, PmsMode mode) {
+    const bool vmail = mode == PmsMode::Vmail;
+    WireScanner& scanner = m_scanners[int(from)];
+    scanner.setCheckCharacter(vmail);
+    m_pairing.setMode(mode);
+    QStringList notes;
+    m_rowNotes = &notes;
+    const double seconds = m_pump.monotonicSeconds();
+    // Each write or read is cut on its own: a frame it leaves unfinished is shown as it stands.
+    QList<WireUnit> units = scanner.feed(row.bytes);
+    if (const std::optional<WireUnit> unfinished = scanner.flush())
+        units.append(*unfinished);
+    for (const WireUnit& unit : units) {
+        m_pairing.track(from, unit, row.time, seconds);
+        if (unit.check != WireUnit::Check::None)
+            notes << (unit.check == WireUnit::Check::Right
+                          ? QStringLiteral("check character right")
+                          : QStringLiteral("check character wrong"));
     }
-    if (frame && vmail && isVmailFrame(bytes))
-        row.note = checkCharacterRight(bytes) ? QStringLiteral("check character right")
-                                              : QStringLiteral("check character wrong");
+    m_rowNotes = nullptr;
+    row.note = notes.join(QStringLiteral("; "));
     add(std::move(row));
 }
 
-void WireTrace::received(const QByteArray& bytes, const QDateTime& time, bool vmail) {
-    WireRow row{time, WireRow::Kind::Received, bytes, {}};
-    const QByteArray answer = bytes.trimmed();
-    if (answer == QByteArray(1, ACK))
-        endPending(ExchangeEvent::Outcome::Acknowledged, time, &row.note);
-    else if (answer == QByteArray(1, NAK))
-        endPending(ExchangeEvent::Outcome::Refused, time, &row.note);
-    else if (vmail && isVmailFrame(bytes))
-        row.note = checkCharacterRight(bytes) ? QStringLiteral("check character right")
-                                              : QStringLiteral("check character wrong");
-    add(std::move(row));
+void WireTrace::onEnded(const Exchange& exchange) {
+    Q_EMIT exchangeEnded(exchange);
+    if (exchange.answered() && m_rowNotes)
+        m_rowNotes->append(answerNote(exchange));
+    else if (!exchange.note.isEmpty())
+        add(WireRow{exchange.ended, WireRow::Kind::Note, {}, exchange.note});
 }
 
-void WireTrace::finish(const QDateTime& time) {
-    QString note;
-    endPending(ExchangeEvent::Outcome::TimedOut, time, &note);
-    if (!note.isEmpty())
-        add(WireRow{time, WireRow::Kind::Note, {}, note});
+void WireTrace::finish(const QString& why) {
+    m_pairing.endSession(why, m_pump.currentDateTime(), m_pump.monotonicSeconds());
 }
 
 QString WireTrace::format(const WireRow& row) {
@@ -117,18 +100,6 @@ QString WireTrace::format(const WireRow& row) {
     if (!row.note.isEmpty())
         line += QStringLiteral("   ; ") + row.note;
     return line;
-}
-
-QString WireTrace::messageType(const QByteArray& frame, bool vmail) {
-    const QByteArray body = frame.mid(1);
-    if (vmail) {
-        if (const VmailMessage* message = findVmailMessage(QString::fromLatin1(body.left(1))))
-            return message->name;
-        return QStringLiteral("voice mail ") + toReadable(body.left(1));
-    }
-    if (const HotelMessage* message = hotelMessageOfBody(QString::fromLatin1(body)))
-        return message->name;
-    return QString::fromLatin1(body.left(4)).trimmed();
 }
 
 } // namespace larkspur

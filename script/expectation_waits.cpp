@@ -13,15 +13,15 @@
 namespace larkspur {
 
 namespace {
-bool matches(const Session& session, const QString& item) {
-    const Link& link = session.link;
-    if (link.lastControl() == item)
+// Whether `lastControl`, the receiver's name for a message, is the one the wait expects.
+bool matches(const Session& session, const QString& item, const QString& lastControl) {
+    if (lastControl == item)
         return true;
     const ExpectationItem* expected = findExpectationItem(item);
     if (!expected || !expected->hasRoom())
         return false;
     const QString room = roomForm(session.fields.text(Field::txt_suite_1));
-    return link.lastControl() == start_of_text() + expected->expected + room + end_of_text();
+    return lastControl == start_of_text() + expected->expected + room + end_of_text();
 }
 } // namespace
 
@@ -43,7 +43,8 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
     Link& link = session.link;
     EventPump& pump = session.pump;
     const Link::WaitGuard busy(link);
-    link.clearAckReceived();
+    // Only what arrives from now on counts.
+    ReceivedMessages::Reader arrivals = link.received().reader();
     const QString digit = waitDigit(given);
     const int seconds = waitSeconds(digit);
     const double deadline = pump.monotonicSeconds() + seconds;
@@ -54,25 +55,31 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
         item);
 
     enum class End { Success, TimedOut, Stopped } end;
+    qint64 answeredAfterMs = 0;
     for (;;) {
         pump.processEvents();
-        if (link.ackReceived() && matches(session, item)) {
-            end = End::Success;
-            break;
-        }
-        if (link.ackReceived()) {
+        bool met = false;
+        while (const std::optional<QString> lastControl = arrivals.next()) {
+            if (matches(session, item, *lastControl)) {
+                met = true;
+                break;
+            }
             if (plain) {
                 session.log.logLine(QStringLiteral("ERROR occurred: did not recieve --> ") + item +
                                     carriage_return() + QStringLiteral("but recieved --> ") +
-                                    link.lastControl());
+                                    *lastControl);
                 session.errors.recordError(
                     Time_of_error(pump.currentDateTime()) +
                         QStringLiteral(": ERROR occurred while waiting for --> ") + item +
-                        QStringLiteral("\nbut instead receieved --> ") + link.lastControl() +
+                        QStringLiteral("\nbut instead receieved --> ") + *lastControl +
                         QStringLiteral("\n\n"),
                     false);
             }
-            link.clearAckReceived();
+        }
+        if (met) {
+            end = End::Success;
+            answeredAfterMs = started.msecsTo(pump.currentDateTime());
+            break;
         }
         const double now = pump.monotonicSeconds();
         if (seconds != 0 && now > deadline) {
@@ -103,8 +110,9 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
                                    false);
     }
     if (end != End::Stopped)
-        Q_EMIT session.expectationEnded(item, end == End::Success,
-                                        started.msecsTo(pump.currentDateTime()));
+        Q_EMIT session.expectationEnded(
+            item, end == End::Success,
+            end == End::Success ? answeredAfterMs : started.msecsTo(pump.currentDateTime()));
     else
         Q_EMIT session.expectationStopped(item);
     session.clearScriptStop();

@@ -16,8 +16,8 @@ namespace {
 bool linkIsUp(Session& s) {
     if (s.link.isOpen())
         return true;
-    s.operatorInterface.notify(s.link.settings.useTcp ? QStringLiteral("Not Connected!")
-                                                      : QStringLiteral("port closed"));
+    s.operatorInterface.notify(s.link.settings().useTcp ? QStringLiteral("Not Connected!")
+                                                        : QStringLiteral("port closed"));
     return false;
 }
 
@@ -43,7 +43,7 @@ void ScriptEngine::cmd_start_script() {
     if (s.recorder.recording()) {
         s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
     } else {
-        s.recorder.start(scriptHeader(s.link.pmsMode, s.link.protocolType));
+        s.recorder.start(scriptHeader(s.link.pmsMode(), s.link.protocolType()));
     }
     s.errors.resetErrors();
 }

@@ -1,6 +1,8 @@
 // Run Script, Stop Script and CANCEL.
 #include "core/event_pump.h"
 #include "core/operator_interface.h"
+#include "link/exchange.h"
+#include "link/manual_commands.h"
 #include "script/expectation_waits.h"
 #include "script/script_engine.h"
 #include "script/script_file.h"
@@ -69,8 +71,7 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
         rest.removeAll(control);
     s.controls.setEnabled(rest, false);
 
-    s.link.pmsMode = script.pmsMode;
-    s.link.protocolType = script.protocolType;
+    s.link.setMode(script.pmsMode, script.protocolType);
     if (script.pmsMode == PmsMode::Hotel)
         s.set_hotel_labels();
     else
@@ -111,20 +112,21 @@ void ScriptEngine::cmd_recovery() {
     if (link.waitingForAck())
         return;
     // Bid until the PBX grants the line; only closing the console ends this.
+    AckWait bid;
     do {
-        link.cmd_enquiry_basic();
-        link.wait_for_ack(false);
-    } while (link.ackFailed() && !link.interrupted());
+        cmd_enquiry_basic(link);
+        bid = wait_for_ack(link, false);
+    } while (bid.ackFailed() && !link.interrupted());
     for (int round = 1; round <= 4; ++round) {
-        link.cmd_enquiry_basic();
+        cmd_enquiry_basic(link);
         WAIT(QStringLiteral("ack"), QStringLiteral("0"));
-        link.cmd_ayt();
+        cmd_ayt(link);
         WAIT(QStringLiteral("ack"), QStringLiteral("0"));
     }
     WAIT(QStringLiteral("enq"), QStringLiteral("0"));
-    link.cmd_ack();
+    cmd_ack(link);
     WAIT(QStringLiteral("rti"), QStringLiteral("0"));
-    link.cmd_ack();
+    cmd_ack(link);
 }
 
 } // namespace larkspur

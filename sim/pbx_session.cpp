@@ -13,7 +13,7 @@ namespace larkspur::sim {
 PbxSession::PbxSession(Peer& peer, const SimOptions& options, Tracer& tracer, EventPump& pump,
                        QObject* parent)
     : QObject(parent), m_peer(peer), m_options(options), m_tracer(tracer), m_pump(pump),
-      m_writer(peer, pump, options.pacing), m_reader(options.mode == Mode::Vmail) {
+      m_writer(peer, pump, options.pacing), m_scanner(options.mode == Mode::Vmail) {
     connect(&m_peer, &Peer::received, this, &PbxSession::onReceived);
     connect(&m_writer, &PacedWriter::pieceSent, this,
             [this](const QByteArray& piece) { m_tracer.sent(piece); });
@@ -32,7 +32,7 @@ void PbxSession::send(const QByteArray& bytes) {
 
 void PbxSession::onReceived(const QByteArray& bytes) {
     m_tracer.received(bytes);
-    for (const WireUnit& unit : m_reader.feed(bytes))
+    for (const WireUnit& unit : m_scanner.feed(bytes))
         handle(unit);
 }
 
@@ -44,17 +44,21 @@ void PbxSession::handle(const WireUnit& unit) {
     case WireUnit::Kind::Ack:
     case WireUnit::Kind::Nak:
         break; // the console's answer to something we sent; the trace shows it
+    case WireUnit::Kind::UnfinishedFrame:
+    case WireUnit::Kind::Stray:
+        break; // not the console's business with us
     case WireUnit::Kind::Frame:
-        if (unit.checked && unit.check != unit.expectedCheck)
+        if (unit.check == WireUnit::Check::Wrong)
             m_tracer.status(QStringLiteral("BCC wrong: got %1, expected %2")
-                                .arg(toReadable(QByteArray(1, unit.check)),
-                                     toReadable(QByteArray(1, unit.expectedCheck))));
-        else if (unit.checked)
+                                .arg(toReadable(unit.bytes.right(1)),
+                                     toReadable(QByteArray(1, blockCheck(unit.bytes.sliced(
+                                                                  1, unit.bytes.size() - 2))))));
+        else if (unit.check == WireUnit::Check::Right)
             m_tracer.status(QStringLiteral("BCC ok"));
         answer(m_options.firstFrameAnswers, m_options.onFrame, m_framesAnswered);
         // Follow-ups count from the answer, so they never overtake it.
         for (const FollowUp& followUp : m_options.after) {
-            if (unit.text.startsWith(followUp.match))
+            if (unit.text().startsWith(followUp.match))
                 sendLater(m_options.answerDelaySeconds + followUp.seconds, followUp.bytes);
         }
         break;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "protocol/wire_units.h"
 #include "sim/paced_writer.h"
 #include "sim/sim_options.h"
-#include "sim/wire_reader.h"
 
 #include <QObject>
 
@@ -44,7 +44,7 @@ private:
     Tracer& m_tracer;
     EventPump& m_pump;
     PacedWriter m_writer;
-    WireReader m_reader;
+    WireScanner m_scanner;
     // ENQs and frames answered so far, while they still count in the lists of first answers.
     int m_enqsAnswered = 0;
     int m_framesAnswered = 0;

@@ -1,6 +1,7 @@
 #include "sim/sim_options.h"
 
 #include "core/host_port.h"
+#include "core/option_table.h"
 #include "protocol/readable_notation.h"
 
 #include <cmath>
@@ -64,178 +65,181 @@ bool readEndpoint(const QString& text, SimOptions& options, QString* error) {
 
 } // namespace
 
+namespace {
+
+QString seconds(const QString& text, double& into) {
+    const std::optional<double> s = secondsFrom(text);
+    if (!s)
+        return QStringLiteral("\"%1\" is not a number of seconds from 0 to %2")
+            .arg(text)
+            .arg(maxSeconds);
+    into = *s;
+    return QString();
+}
+
+QString message(const QString& text, bool framed, QByteArray& into) {
+    QString why;
+    into = framed ? parseMessage(text, &why) : parseReadable(text, &why);
+    return why.isEmpty() ? QString() : QStringLiteral("\"%1\": %2").arg(text, why);
+}
+
+TakeValues answers(QList<Answer>& first, Answer& then) {
+    return [&first, &then](const QStringList& values) {
+        QString wrong;
+        std::optional<QList<Answer>> named = answersNamed(values.at(0), wrong);
+        if (!named)
+            return QStringLiteral("\"%1\" is not ack, nak or silent").arg(wrong);
+        then = named->takeLast();
+        first = *named;
+        return QString();
+    };
+}
+
+TakeValues takeSecondsFrom0(double& into) {
+    return [&into](const QStringList& values) { return seconds(values.at(0), into); };
+}
+
+// The options, writing into `o`; `listenGiven` learns whether --listen came.
+OptionTable simTable(SimOptions& o, bool& listenGiven) {
+    return OptionTable(
+        QStringLiteral("larkspur-pbxsim"),
+        {
+            {"--listen",
+             {"HOST:PORT"},
+             "listen for the console on TCP (default 127.0.0.1:15374; port 0 picks one)",
+             [&o, &listenGiven](const QStringList& v) {
+                 listenGiven = true;
+                 QString why;
+                 return readEndpoint(v.at(0), o, &why) ? QString() : why;
+             }},
+            {"--pty",
+             {"LINK"},
+             "open a pseudo-terminal for a serial console; LINK becomes a symlink to it\n"
+             "(with --pty alone, no TCP listener unless --listen is given too)",
+             [&o](const QStringList& v) {
+                 o.pty = true;
+                 o.ptyLink = v.value(0);
+                 return QString();
+             },
+             true},
+            {"--mode",
+             {"HOTEL|VMAIL"},
+             "VMAIL frames carry a check character after the ETX (default HOTEL)",
+             [&o](const QStringList& v) {
+                 const std::optional<Mode> mode = pmsModeNamed(v.at(0));
+                 if (mode)
+                     o.mode = *mode;
+                 return mode ? QString()
+                             : QStringLiteral("\"%1\" is not HOTEL or VMAIL").arg(v.at(0));
+             }},
+            {"--on-enq",
+             {"ANSWERS"},
+             "answer to a bare ENQ: ack, nak or silent (default ack); a list such as\n"
+             "nak,nak,ack answers the first ENQs of each connect in turn and repeats\n"
+             "the last answer for the rest",
+             answers(o.firstEnqAnswers, o.onEnq)},
+            {"--on-frame",
+             {"ANSWERS"},
+             "answer to a frame, the same way (default ack)",
+             answers(o.firstFrameAnswers, o.onFrame)},
+            {"--answer-delay",
+             {"SECONDS"},
+             "wait that long before each of those answers (default 0: at once)",
+             takeSecondsFrom0(o.answerDelaySeconds)},
+            {"--line-speed",
+             {"BAUD"},
+             "write what the PBX sends one byte at a time, each taking ten bits' time\n"
+             "at BAUD, as a serial line delivers it (1200 baud: 8.3 ms a byte)",
+             takeWhole(o.pacing.baud, 50, maxBaud)},
+            {"--split",
+             {"BYTES"},
+             "cut every message the PBX sends into pieces of BYTES, as a USB adapter\n"
+             "or a serial-to-TCP converter hands them over (with --line-speed, each\n"
+             "piece leaves once its bytes have crossed the line)",
+             takeWhole(o.pacing.pieceBytes, 1, maxPieceBytes)},
+            {"--split-gap",
+             {"SECONDS"},
+             "the pause after each piece of a cut message (default 0.02)",
+             takeSecondsFrom0(o.pacing.pieceGapSeconds)},
+            {"--echo-offer",
+             {},
+             "send the Telnet offer to echo (255 251 1) on each TCP connect",
+             setFlag(o.echoOffer)},
+            {"--at",
+             {"SECONDS", "TEXT"},
+             "send TEXT that many seconds after each connect (the pty counts as\n"
+             "connected when it is opened)",
+             [&o](const QStringList& v) {
+                 TimedMessage at;
+                 QString why = seconds(v.at(0), at.seconds);
+                 if (why.isEmpty())
+                     why = message(v.at(1), true, at.bytes);
+                 if (why.isEmpty())
+                     o.at.append(at);
+                 return why;
+             },
+             false,
+             true},
+            {"--after",
+             {"MATCH", "SECONDS", "TEXT"},
+             "send TEXT that many seconds after the answer to a frame whose text\n"
+             "starts with MATCH",
+             [&o](const QStringList& v) {
+                 FollowUp after;
+                 QString why = message(v.at(0), false, after.match);
+                 if (why.isEmpty())
+                     why = seconds(v.at(1), after.seconds);
+                 if (why.isEmpty())
+                     why = message(v.at(2), true, after.bytes);
+                 if (why.isEmpty())
+                     o.after.append(after);
+                 return why;
+             },
+             false,
+             true},
+            {"--trace",
+             {"FILE"},
+             "write the trace to FILE as well as to standard output",
+             takeText(o.traceFile)},
+            {"--help", {}, "show this and exit", setFlag(o.help)},
+        });
+}
+
+} // namespace
+
 ParsedArguments parseSimArguments(const QStringList& arguments) {
     SimOptions options;
-    QStringList named;
     bool listenGiven = false;
-    qsizetype i = 0;
-    QString error;
-
-    // The next argument as the value of `option`, or empty with `error` set.
-    auto value = [&](const QString& option) -> std::optional<QString> {
-        if (i + 1 >= arguments.size()) {
-            error = option + QStringLiteral(" needs a value");
-            return std::nullopt;
-        }
-        return arguments.at(++i);
-    };
-    auto seconds = [&](const QString& option) -> std::optional<double> {
-        const auto text = value(option);
-        if (!text)
-            return std::nullopt;
-        const auto s = secondsFrom(*text);
-        if (!s)
-            error = QStringLiteral("%1: \"%2\" is not a number of seconds from 0 to %3")
-                        .arg(option, *text, QString::number(maxSeconds));
-        return s;
-    };
-    auto whole = [&](const QString& option, int low, int high) -> std::optional<int> {
-        const auto text = value(option);
-        if (!text)
-            return std::nullopt;
-        bool ok = false;
-        const int n = text->toInt(&ok);
-        if (!ok || n < low || n > high) {
-            error = QStringLiteral("%1: \"%2\" is not a whole number from %3 to %4")
-                        .arg(option, *text)
-                        .arg(low)
-                        .arg(high);
-            return std::nullopt;
-        }
-        return n;
-    };
-    auto message = [&](const QString& option, bool framed) -> std::optional<QByteArray> {
-        const auto text = value(option);
-        if (!text)
-            return std::nullopt;
-        QString why;
-        const QByteArray bytes = framed ? parseMessage(*text, &why) : parseReadable(*text, &why);
-        if (!why.isEmpty()) {
-            error = QStringLiteral("%1 \"%2\": %3").arg(option, *text, why);
-            return std::nullopt;
-        }
-        return bytes;
-    };
-
-    for (; i < arguments.size() && error.isEmpty(); ++i) {
-        const QString& arg = arguments.at(i);
-        if (arg.startsWith(u'-'))
-            named << arg;
-        if (arg == u"--help" || arg == u"-h") {
-            options.help = true;
-        } else if (arg == u"--listen") {
-            const auto endpoint = value(arg);
-            QString why;
-            if (endpoint && !readEndpoint(*endpoint, options, &why))
-                error = QStringLiteral("--listen: ") + why;
-            listenGiven = true;
-        } else if (arg == u"--pty") {
-            options.pty = true;
-            if (i + 1 < arguments.size() && !arguments.at(i + 1).startsWith(u"--"))
-                options.ptyLink = arguments.at(++i);
-        } else if (arg == u"--mode") {
-            const auto mode = value(arg);
-            if (const std::optional<Mode> chosen = mode ? pmsModeNamed(*mode) : std::nullopt)
-                options.mode = *chosen;
-            else if (mode)
-                error = QStringLiteral("--mode: \"%1\" is not HOTEL or VMAIL").arg(*mode);
-        } else if (arg == u"--on-enq" || arg == u"--on-frame") {
-            const auto names = value(arg);
-            QString wrong;
-            auto answers = names ? answersNamed(*names, wrong) : std::nullopt;
-            const bool enq = arg == u"--on-enq";
-            if (answers) {
-                (enq ? options.onEnq : options.onFrame) = answers->takeLast();
-                (enq ? options.firstEnqAnswers : options.firstFrameAnswers) = *answers;
-            } else if (names) {
-                error = QStringLiteral("%1: \"%2\" is not ack, nak or silent").arg(arg, wrong);
-            }
-        } else if (arg == u"--answer-delay") {
-            if (const auto s = seconds(arg))
-                options.answerDelaySeconds = *s;
-        } else if (arg == u"--line-speed") {
-            if (const auto n = whole(arg, 50, maxBaud))
-                options.pacing.baud = *n;
-        } else if (arg == u"--split") {
-            if (const auto n = whole(arg, 1, maxPieceBytes))
-                options.pacing.pieceBytes = *n;
-        } else if (arg == u"--split-gap") {
-            if (const auto s = seconds(arg))
-                options.pacing.pieceGapSeconds = *s;
-        } else if (arg == u"--echo-offer") {
-            options.echoOffer = true;
-        } else if (arg == u"--at") {
-            const auto s = seconds(arg);
-            const auto bytes = s ? message(arg, true) : std::nullopt;
-            if (bytes)
-                options.at.append({*s, *bytes});
-        } else if (arg == u"--after") {
-            const auto match = message(arg, false);
-            const auto s = match ? seconds(arg) : std::nullopt;
-            const auto bytes = s ? message(arg, true) : std::nullopt;
-            if (bytes)
-                options.after.append({*match, *s, *bytes});
-        } else if (arg == u"--trace") {
-            if (const auto file = value(arg))
-                options.traceFile = *file;
-        } else if (arg.startsWith(u'-')) {
-            error = QStringLiteral("unknown option %1").arg(arg);
-        } else {
-            error = QStringLiteral("unexpected argument \"%1\"").arg(arg);
-        }
-    }
-    if (!error.isEmpty())
-        return {std::nullopt, error};
+    const OptionTable::Parsed parsed = simTable(options, listenGiven).parse(arguments);
+    if (parsed.error.isEmpty() && !parsed.operands.isEmpty())
+        return {std::nullopt, QStringLiteral("unexpected argument \"%1\"").arg(parsed.operands[0])};
+    if (!parsed.error.isEmpty())
+        return {std::nullopt, parsed.error};
     options.listen = listenGiven || !options.pty;
-    return {options, {}, named};
+    return {options, {}, parsed.named};
 }
 
 QString simUsage() {
-    return QStringLiteral(
-        "usage: larkspur-pbxsim [--listen HOST:PORT] [--pty [LINK]] [--mode HOTEL|VMAIL]\n"
-        "                       [--on-enq ANSWERS] [--on-frame ANSWERS] [--answer-delay SECONDS]\n"
-        "                       [--line-speed BAUD] [--split BYTES] [--split-gap SECONDS]\n"
-        "                       [--echo-offer] [--after MATCH SECONDS TEXT]... "
-        "[--at SECONDS TEXT]...\n"
-        "                       [--trace FILE]\n");
+    SimOptions o;
+    bool listenGiven = false;
+    return simTable(o, listenGiven).usage();
 }
 
 QString simHelp() {
-    return simUsage() + QStringLiteral(R"(
-Plays the PBX side of the PMS link.
-
-  --listen HOST:PORT  listen for the console on TCP (default 127.0.0.1:15374; port 0 picks one)
-  --pty [LINK]        open a pseudo-terminal for a serial console; LINK becomes a symlink to it
-                      (with --pty alone, no TCP listener unless --listen is given too)
-  --mode HOTEL|VMAIL  VMAIL frames carry a check character after the ETX (default HOTEL)
-  --on-enq ANSWERS    answer to a bare ENQ: ack, nak or silent (default ack); a list such as
-                      nak,nak,ack answers the first ENQs of each connect in turn and repeats
-                      the last answer for the rest
-  --on-frame ANSWERS  answer to a frame, the same way (default ack)
-  --answer-delay SECONDS
-                      wait that long before each of those answers (default 0: at once)
-  --line-speed BAUD   write what the PBX sends one byte at a time, each taking ten bits' time
-                      at BAUD, as a serial line delivers it (1200 baud: 8.3 ms a byte)
-  --split BYTES       cut every message the PBX sends into pieces of BYTES, as a USB adapter
-                      or a serial-to-TCP converter hands them over (with --line-speed, each
-                      piece leaves once its bytes have crossed the line)
-  --split-gap SECONDS the pause after each piece of a cut message (default 0.02)
-  --echo-offer        send the Telnet offer to echo (255 251 1) on each TCP connect
-  --at SECONDS TEXT   send TEXT that many seconds after each connect (the pty counts as
-                      connected when it is opened)
-  --after MATCH SECONDS TEXT
-                      send TEXT that many seconds after the answer to a frame whose text
-                      starts with MATCH
-  --trace FILE        write the trace to FILE as well as to standard output
-
-TEXT and MATCH are written in a readable notation: <STX> <ETX> <ENQ> <ACK> <NAK>, <BCC> (the
+    SimOptions o;
+    bool listenGiven = false;
+    return simTable(o, listenGiven)
+        .help(
+            QStringLiteral("Plays the PBX side of the PMS link.\n"),
+            QStringLiteral(
+                R"(TEXT and MATCH are written in a readable notation: <STX> <ETX> <ENQ> <ACK> <NAK>, <BCC> (the
 check character of what follows the last <STX>), \xHH for any byte, \\ for a backslash, \x3C
 for a literal '<'. A TEXT without an STX is framed as STX + TEXT + ETX, unless it is only
 <ENQ>, <ACK> or <NAK>, which are sent bare. Each line typed on standard input is sent the same
 way.
 
 Every read and write is traced as "HH:MM:SS.mmm RX|TX <bytes>"; status lines start with "# ".
-)");
+)"));
 }
 
 } // namespace larkspur::sim

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tap/side.h"
+#include "records/side.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -35,7 +35,7 @@ public:
 
 Q_SIGNALS:
     // `bytes` came from `from` and have been handed to the other end.
-    void passed(larkspur::tap::Side from, const QByteArray& bytes);
+    void passed(larkspur::Side from, const QByteArray& bytes);
     // The session is over and both ends are closed: "the PMS hung up (127.0.0.1:40312: the
     // connection was closed)", or the reason given to close().
     void ended(const QString& reason);

@@ -1,9 +1,9 @@
 #include "tap/script_learner.h"
 
 #include "protocol/expectation_items.h"
+#include "protocol/frame.h"
 #include "protocol/message_catalogue.h"
 #include "records/script_lines.h"
-#include "tap/message_names.h"
 
 #include <cmath>
 

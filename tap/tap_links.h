@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tap/side.h"
+#include "records/side.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -25,7 +25,7 @@ Q_SIGNALS:
     // A session began: "PMS 127.0.0.1:40312 connected".
     void opened(const QString& text);
     // What `from` sent, already passed on.
-    void passed(larkspur::tap::Side from, const QByteArray& bytes);
+    void passed(larkspur::Side from, const QByteArray& bytes);
     // The session ended: who hung up, or why it could not go on.
     void closed(const QString& text);
     // Anything else the trace should show: where the tap listens, a PMS turned away.

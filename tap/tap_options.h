@@ -27,7 +27,8 @@ struct TapOptions {
     QString line = QStringLiteral("9600,N,8,1");
     PmsMode mode = PmsMode::Hotel;
     Protocol protocol = Protocol::Hyatt;
-    std::optional<int> frameGapMs;
+    int frameGapMs = 0; // 0: none given
+    bool splitJoined = false;
     QString trace;
     QString learn;
     bool learnWaits = false;

@@ -3,7 +3,6 @@
 #include "core/output_file.h"
 #include "core/qt_event_pump.h"
 #include "core/termination_signals.h"
-#include "link/receive_assembly.h"
 #include "link/serial_line.h"
 #include "records/run_statistics.h"
 #include "tap/learned_script_file.h"
@@ -28,17 +27,6 @@ namespace {
 void printError(const QString& text) {
     std::fprintf(stderr, "larkspur-tap: %s\n", qPrintable(text));
     std::fflush(stderr);
-}
-
-int frameGapMs(const TapOptions& o) {
-    if (o.frameGapMs)
-        return *o.frameGapMs;
-    if (o.links == TapOptions::Links::Tcp)
-        return defaultFrameGapMs(0, 0);
-    SerialLine line;
-    QString ignored;
-    parseSerialLine(o.line, line, ignored);
-    return defaultFrameGapMs(line.baudRate, bitsPerCharacter(line));
 }
 
 std::unique_ptr<TapLinks> linksFor(const TapOptions& o, EventPump& pump) {
@@ -140,9 +128,14 @@ int runTap(const TapOptions& o) {
 
     QtEventPump pump;
     RunStatistics statistics;
+    const TrafficAnalysis::Setup setup{
+        .mode = o.mode,
+        .frameGapMs = frameGapMs(o.frameGapMs, o.links == TapOptions::Links::Tcp, o.line),
+        .monitor = o.links == TapOptions::Links::Monitor,
+        .splitJoined = o.splitJoined};
     TrafficAnalysis analysis(
-        pump, o.mode, frameGapMs(o), o.links == TapOptions::Links::Monitor,
-        [&trace](const QString& line) { trace.line(line); }, statistics, learner.get());
+        pump, setup, [&trace](const QString& line) { trace.line(line); }, statistics,
+        learner.get());
     TraceBacklog backlog(pump, [&analysis](const TraceEntry& entry) { analysis.take(entry); });
     links = linksFor(o, pump);
     QObject::connect(links.get(), &TapLinks::opened, &backlog, &TraceBacklog::opened);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tap/side.h"
+#include "records/side.h"
 
 #include <QByteArray>
 #include <QDateTime>

@@ -4,19 +4,24 @@
 #include "tap/script_learner.h"
 #include "tap/trace_lines.h"
 
+#include <algorithm>
+
 namespace larkspur::tap {
 
-TrafficAnalysis::TrafficAnalysis(EventPump& pump, PmsMode mode, int frameGapMs, bool monitor,
+TrafficAnalysis::TrafficAnalysis(EventPump& pump, const Setup& setup,
                                  std::function<void(const QString&)> traceLine,
                                  RunStatistics& statistics, ScriptLearner* learner, QObject* parent)
     : QObject(parent), m_traceLine(std::move(traceLine)), m_statistics(statistics),
-      m_learner(learner), m_tracker(pump, mode, monitor ? monitorEarlyAnswerMs : 0) {
-    for (const Side side : {Side::Pms, Side::Pbx})
-        m_cutters[int(side)] = std::make_unique<MessageCutter>(
-            pump, mode == PmsMode::Vmail, frameGapMs,
-            [this, side](const MessageCutter::Message& message) { onMessage(side, message); });
-    connect(&m_tracker, &ExchangeTracker::ended, this, &TrafficAnalysis::onEnded);
-    connect(&m_tracker, &ExchangeTracker::shown, this,
+      m_learner(learner), m_splitJoined(setup.splitJoined),
+      m_pairing(pump, setup.mode, setup.monitor ? monitorEarlyAnswerMs : 0) {
+    for (const Side side : {Side::Pms, Side::Pbx}) {
+        m_readers[int(side)] =
+            std::make_unique<WireReader>(pump, setup.mode == PmsMode::Vmail, setup.frameGapMs);
+        connect(m_readers[int(side)].get(), &WireReader::gapPassed, this,
+                [this, side](const WireUnit& unfinished) { onUnit(side, unfinished); });
+    }
+    connect(&m_pairing, &ExchangePairing::ended, this, &TrafficAnalysis::onEnded);
+    connect(&m_pairing, &ExchangePairing::shown, this,
             [this](Side from, const QByteArray& bytes, const QDateTime& time,
                    const QString& description) {
                 m_traceLine(messageLine(time, from, bytes, description));
@@ -29,10 +34,10 @@ void TrafficAnalysis::take(const TraceEntry& entry) {
     switch (entry.kind) {
     case TraceEntry::Kind::Bytes:
         m_arrival[int(entry.side)] = {entry.time, entry.seconds};
-        m_cutters[int(entry.side)]->take(entry.bytes);
+        takeRead(entry.side, entry.time, m_readers[int(entry.side)]->feed(entry.bytes));
         break;
     case TraceEntry::Kind::Untraced:
-        m_cutters[int(entry.side)]->flush();
+        flush(entry.side);
         note(entry.time, QStringLiteral("%1 bytes %2 relayed but not traced: the trace fell behind")
                              .arg(entry.count)
                              .arg(directionName(entry.side)));
@@ -58,25 +63,50 @@ void TrafficAnalysis::finish(const QDateTime& time, double seconds) {
 
 void TrafficAnalysis::endSession(const QString& why, const QDateTime& time, double seconds) {
     for (const Side side : {Side::Pms, Side::Pbx})
-        m_cutters[int(side)]->flush();
-    m_tracker.endSession(why, time, seconds);
+        flush(side);
+    m_pairing.endSession(why, time, seconds);
 }
 
-void TrafficAnalysis::onMessage(Side from, const MessageCutter::Message& message) {
+void TrafficAnalysis::flush(Side side) {
+    if (const std::optional<WireUnit> unfinished = m_readers[int(side)]->flush())
+        onUnit(side, *unfinished);
+}
+
+void TrafficAnalysis::takeRead(Side from, const QDateTime& time, const QList<WireUnit>& units) {
+    const auto whole = std::count_if(units.begin(), units.end(), [](const WireUnit& unit) {
+        return unit.isControl() || unit.kind == WireUnit::Kind::Frame;
+    });
+    // The console takes one read as one message unless told that a converter joins them.
+    if (from == Side::Pbx && whole > 1 && !m_splitJoined)
+        note(time, QStringLiteral("%1 messages came in one read: a console takes them as one "
+                                  "text, unless run with --split-joined")
+                       .arg(whole));
+    for (const WireUnit& unit : units)
+        onUnit(from, unit);
+}
+
+void TrafficAnalysis::onUnit(Side from, const WireUnit& unit) {
     const Arrival& at = m_arrival[int(from)];
-    m_tracker.track(from, message, at.time, at.seconds);
-    if (m_learner && from == Side::Pbx && message.kind == MessageCutter::Kind::Frame)
-        m_learner->pbxFrame(message.bytes, at.seconds);
+    const bool whole =
+        unit.kind != WireUnit::Kind::Stray && unit.kind != WireUnit::Kind::UnfinishedFrame;
+    if (whole || unit.bytes.size() <= pieceBytes) {
+        m_pairing.track(from, unit, at.time, at.seconds);
+    } else {
+        for (qsizetype offset = 0; offset < unit.bytes.size(); offset += pieceBytes)
+            m_pairing.track(from, {unit.kind, unit.bytes.mid(offset, pieceBytes)}, at.time,
+                            at.seconds);
+    }
+    if (m_learner && from == Side::Pbx && unit.kind == WireUnit::Kind::Frame)
+        m_learner->pbxFrame(unit.bytes, at.seconds);
 }
 
-void TrafficAnalysis::onEnded(const Exchange& exchange, const ExchangeEnd& end) {
-    const bool answered = end.outcome != ExchangeEvent::Outcome::TimedOut;
-    m_statistics.add(ExchangeEvent{exchange.type, end.outcome, answered ? end.ms : -1});
-    if (!end.note.isEmpty())
-        note(end.time, end.note);
+void TrafficAnalysis::onEnded(const Exchange& exchange) {
+    m_statistics.add(exchange);
+    if (!exchange.note.isEmpty())
+        note(exchange.ended, exchange.note);
     if (m_learner && exchange.from == Side::Pms && !exchange.enq &&
-        end.outcome == ExchangeEvent::Outcome::Acknowledged)
-        m_learner->acknowledged(exchange.bytes, end.seconds);
+        exchange.outcome == Exchange::Outcome::Acknowledged)
+        m_learner->acknowledged(exchange.bytes, exchange.endedSeconds);
 }
 
 void TrafficAnalysis::note(const QDateTime& time, const QString& text) {

@@ -101,8 +101,8 @@ void Session::mnuHotel_Click() {
     controls.setEnabled(Control::mnu_HIS, false);
     controls.setChecked(Control::mnu_HIS, false);
     controls.setChecked(Control::mnu_Hyatt, true);
-    link.protocolType = Protocol::Hyatt;
-    link.pmsMode = PmsMode::Hotel;
+    link.setMode(link.pmsMode(), Protocol::Hyatt);
+    link.setMode(PmsMode::Hotel, link.protocolType());
     set_hotel_labels();
 }
 
@@ -110,18 +110,18 @@ void Session::mnuVoiceMail_Click() {
     controls.setChecked(Control::mnuHotel, false);
     controls.setChecked(Control::mnuVoiceMail, true);
     controls.setEnabled(Control::mnu_HIS, true);
-    link.pmsMode = PmsMode::Vmail;
+    link.setMode(PmsMode::Vmail, link.protocolType());
     set_vmail_labels();
 }
 
 void Session::mnu_HIS_Click() {
-    link.protocolType = Protocol::His;
+    link.setMode(link.pmsMode(), Protocol::His);
     controls.setChecked(Control::mnu_Hyatt, false);
     controls.setChecked(Control::mnu_HIS, true);
 }
 
 void Session::mnu_Hyatt_Click() {
-    link.protocolType = Protocol::Hyatt;
+    link.setMode(link.pmsMode(), Protocol::Hyatt);
     controls.setChecked(Control::mnu_Hyatt, true);
     controls.setChecked(Control::mnu_HIS, false);
 }
@@ -146,12 +146,12 @@ void Session::cmd_clear() {
 }
 
 void Session::applyModeAndLinkChoice() {
-    const bool hyatt = link.protocolType == Protocol::Hyatt;
+    const bool hyatt = link.protocolType() == Protocol::Hyatt;
     controls.setChecked(Control::mnu_Hyatt, hyatt);
     controls.setChecked(Control::mnu_HIS, !hyatt);
-    controls.setChecked(Control::mnuTelnet, link.settings.useTcp);
-    controls.setChecked(Control::mnuCommport, !link.settings.useTcp);
-    const bool hotel = link.pmsMode == PmsMode::Hotel;
+    controls.setChecked(Control::mnuTelnet, link.settings().useTcp);
+    controls.setChecked(Control::mnuCommport, !link.settings().useTcp);
+    const bool hotel = link.pmsMode() == PmsMode::Hotel;
     controls.setChecked(Control::mnuHotel, hotel);
     controls.setChecked(Control::mnuVoiceMail, !hotel);
     if (hotel)

@@ -78,7 +78,7 @@ void pressHotel(const QString& code, const PressInput& input, PressSteps& steps)
 PressInput sessionInput(const Session& session) {
     return {.text = [&session](Field field) { return session.fields.text(field); },
             .errorMode = session.errorMode(),
-            .protocol = session.link.protocolType};
+            .protocol = session.link.protocolType()};
 }
 
 void SessionPress::refuse(const FieldRefusal& refusal) {

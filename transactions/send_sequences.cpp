@@ -4,6 +4,7 @@
 
 #include "core/event_pump.h"
 #include "core/pause.h"
+#include "link/exchange.h"
 #include "link/link.h"
 #include "protocol/frame.h"
 #include "records/error_records.h"
@@ -21,10 +22,10 @@ SendResult sendHotelMessage(Link& link, ErrorRecords& errors, const HotelMessage
                             const QString& body, int& attempt, const QString& reportedText) {
     EventPump& pump = link.pump();
     TrafficLog& log = link.log();
-    link.send_enq();
-    if (link.ackFailed() && link.interrupted())
+    const AckWait bid = send_enq(link);
+    if (bid.outcome == AckWait::Outcome::Interrupted || bid.outcome == AckWait::Outcome::Busy)
         return SendResult::Interrupted;
-    if (link.ackFailed()) {
+    if (bid.ackFailed()) {
         const QString stamp = Time_of_error(pump.currentDateTime());
         log.logLine(rule.enqFailureLogTimed ? stamp + enqFailure : enqFailure);
         errors.recordError(stamp + enqFailure + QLatin1Char('\n'), rule.enqFailureCounts);
@@ -33,13 +34,14 @@ SendResult sendHotelMessage(Link& link, ErrorRecords& errors, const HotelMessage
     for (;;) {
         log.logLine(rule.logPrefix + body);
         link.send_text(plain_frame(body));
-        link.wait_for_ack(false);
-        if (link.ackFailed() && link.interrupted())
+        const AckWait frame = wait_for_ack(link, false);
+        if (frame.outcome == AckWait::Outcome::Interrupted)
             return SendResult::Interrupted;
-        const bool answered = !link.ackFailed();
-        const bool acknowledged = rule.ackNeedsPoll ? link.poll_for_ack(false) : answered;
+        const bool acknowledged =
+            rule.ackNeedsPoll ? poll_for_ack(link, false) : !frame.ackFailed();
         if (acknowledged)
-            return answered ? SendResult::Acknowledged : SendResult::AcknowledgedByStaleAck;
+            return frame.ackFailed() ? SendResult::AcknowledgedByStaleAck
+                                     : SendResult::Acknowledged;
         if (++attempt > frameAttempts) {
             const QString stamp = Time_of_error(pump.currentDateTime());
             log.logLine(stamp + rule.failureSentence);
@@ -55,17 +57,21 @@ SendResult sendHotelMessage(Link& link, ErrorRecords& errors, const HotelMessage
 SendResult sendVmailFrame(Link& link, const QString& frame, const QString& logLine,
                           bool logSuccess) {
     TrafficLog& log = link.log();
-    link.expectVmailAck();
+    // Only an ACK that comes after the frame answers it: `vmailAcked`.
+    ReceivedMessages::Reader arrivals = link.received().reader();
     log.logLine(logLine);
     link.send_text(frame);
     pause_seconds(link.pump(), vmailAnswerSeconds);
-    if (!link.vmailAcked() && link.interrupted())
+    bool vmailAcked = false;
+    while (const std::optional<QString> message = arrivals.next())
+        vmailAcked = vmailAcked || *message == u"ACK";
+    if (!vmailAcked && link.interrupted())
         return SendResult::Interrupted;
-    if (!link.vmailAcked())
+    if (!vmailAcked)
         log.logLine(QStringLiteral("DID NOT RECEIVE ACK FROM PBX!"));
     else if (logSuccess)
         log.logLine(QStringLiteral("PBX ACKed"));
-    return link.vmailAcked() ? SendResult::Acknowledged : SendResult::Failed;
+    return vmailAcked ? SendResult::Acknowledged : SendResult::Failed;
 }
 
 } // namespace larkspur

@@ -77,7 +77,7 @@ void pressVmail(const QString& code, const PressInput& input, PressSteps& steps)
 }
 
 bool inVmailMode(const Session& session) {
-    return session.link.pmsMode != PmsMode::Hotel;
+    return session.link.pmsMode() != PmsMode::Hotel;
 }
 
 void send_vmail_operation(Session& session, VmailOperation operation) {

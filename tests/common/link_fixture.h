@@ -41,7 +41,7 @@ protected:
         serial.written.clear();
     }
 
-    void useSerial() { link.settings.useTcp = false; }
+    void useSerial() { link.settings().useTcp = false; }
 
     // The log as lines, without the last empty one.
     QStringList lines() const {
@@ -50,7 +50,7 @@ protected:
             l.removeLast();
         return l;
     }
-    FakeTransport& active() { return link.settings.useTcp ? tcp : serial; }
+    FakeTransport& active() { return link.settings().useTcp ? tcp : serial; }
 };
 
 } // namespace larkspur::test

@@ -267,9 +267,9 @@ TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {
     find<QAbstractButton>("chk_NullDiscard")->click();
     find<QAbstractButton>("Continuous")->click();
     find<QAbstractButton>("chk_error")->click();
-    EXPECT_TRUE(session.link.settings.dtrEnabled);
-    EXPECT_FALSE(session.link.settings.rtsEnabled);
-    EXPECT_TRUE(session.link.settings.nullDiscard);
+    EXPECT_TRUE(session.link.settings().dtrEnabled);
+    EXPECT_FALSE(session.link.settings().rtsEnabled);
+    EXPECT_TRUE(session.link.settings().nullDiscard);
     EXPECT_TRUE(engine.Continuous);
     EXPECT_TRUE(session.errorMode());
 

@@ -121,7 +121,7 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
     find<QAbstractButton>("cmd_connect")->click();
     find<QAbstractButton>("cmd_disconnect")->click();
     model().sync();
-    EXPECT_TRUE(rowsShown().last().startsWith("--||frame unanswered")) << rowsShown().last();
+    EXPECT_TRUE(rowsShown().last().startsWith("--||no answer")) << rowsShown().last();
 }
 
 TEST_F(ViewMenuTest, SavesEveryRowAsText) {

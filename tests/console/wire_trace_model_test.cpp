@@ -1,5 +1,6 @@
 #include "common/qt_printers.h"
 #include "console/wire_trace_model.h"
+#include "core/virtual_event_pump.h"
 #include "records/wire_trace.h"
 
 #include <QAbstractItemModelTester>
@@ -24,7 +25,8 @@ void collectComplaints(QtMsgType, const QMessageLogContext& context, const QStri
 // removal and insertion, and a model tester that checks each of them.
 class WireTraceModelTest : public ::testing::Test {
 protected:
-    WireTrace trace{4};
+    VirtualEventPump pump{noon};
+    WireTrace trace{pump, 4};
     WireTraceModel model{trace};
     QtMessageHandler previousHandler = qInstallMessageHandler(collectComplaints);
     QAbstractItemModelTester tester{&model,
@@ -45,7 +47,7 @@ protected:
     // Receives the one-letter messages a, b, c, ... in turn.
     void receive(int count) {
         for (int i = 0; i < count; ++i)
-            trace.received(QByteArray(1, char('a' + next++)), noon, false);
+            trace.received(QByteArray(1, char('a' + next++)), PmsMode::Hotel);
     }
     QString shown() const {
         QString letters;
@@ -107,21 +109,25 @@ TEST_F(WireTraceModelTest, RowsArriveInABatchWithoutBeingAsked) {
 }
 
 TEST(WireTraceModelColumns, ShowTimeDirectionNotationHexAndNote) {
-    WireTrace trace;
+    VirtualEventPump pump(noon);
+    WireTrace trace(pump);
     WireTraceModel model(trace);
+    pump.advance(7);
     trace.sent(QByteArray("\x02"
                           "CHK1   101\x03"),
-               noon.addMSecs(7), false);
-    trace.received(QByteArray("\x06\r\n"), noon.addMSecs(19), false);
-    trace.finish(noon.addMSecs(25));
-    trace.sent(QByteArray(1, 5), noon.addMSecs(30), false);
-    trace.finish(noon.addMSecs(1030));
+               PmsMode::Hotel);
+    pump.advance(12);
+    trace.received(QByteArray("\x06\r\n"), PmsMode::Hotel);
+    pump.advance(11);
+    trace.sent(QByteArray(1, 5), PmsMode::Hotel);
+    pump.advance(1000);
+    trace.finish("the link was closed");
     model.sync();
     const QStringList expected[] = {
         {"12:00:00.007", "TX", "<STX>CHK1   101<ETX>", "02 43 48 4B 31 20 20 20 31 30 31 03", ""},
         {"12:00:00.019", "RX", "<ACK>\\x0D\\x0A", "06 0D 0A", "frame ACKed in 12 ms"},
         {"12:00:00.030", "TX", "<ENQ>", "05", ""},
-        {"12:00:01.030", "--", "", "", "ENQ unanswered (1000 ms)"},
+        {"12:00:01.030", "--", "", "", "no answer to the ENQ bid: the link was closed"},
     };
     ASSERT_EQ(model.rowCount(), int(std::size(expected)));
     for (int row = 0; row < model.rowCount(); ++row) {

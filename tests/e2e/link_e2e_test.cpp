@@ -28,17 +28,17 @@ protected:
         return l;
     }
     void overTcp(const PbxSimProcess& sim) {
-        link.settings.useTcp = true;
-        link.settings.ipAddress = "127.0.0.1";
-        link.settings.telnetPort = QString::number(sim.port());
+        link.settings().useTcp = true;
+        link.settings().ipAddress = "127.0.0.1";
+        link.settings().telnetPort = QString::number(sim.port());
     }
     void overPty(const PbxSimProcess& sim) {
-        link.settings.useTcp = false;
-        link.settings.commPortNumber = sim.ptyPath();
-        link.settings.speed = "9600";
-        link.settings.parity = "N";
-        link.settings.dataBits = "8";
-        link.settings.stopBits = "1";
+        link.settings().useTcp = false;
+        link.settings().commPortNumber = sim.ptyPath();
+        link.settings().speed = "9600";
+        link.settings().parity = "N";
+        link.settings().dataBits = "8";
+        link.settings().stopBits = "1";
     }
     bool logged(const QString& line) {
         return waitUntil([&] { return lines().contains(line); });
@@ -59,8 +59,8 @@ TEST_F(LinkEndToEnd, ConnectOverTcpInVmailMode) {
     PbxSimProcess sim({"--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     overTcp(sim);
-    link.pmsMode = PmsMode::Vmail;
-    link.protocolType = Protocol::His;
+    link.setMode(PmsMode::Vmail, link.protocolType());
+    link.setMode(link.pmsMode(), Protocol::His);
     ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
     EXPECT_EQ(lines(), QStringList({"Connecting...", "12", "PBX ACKed", "Connected..."}));
     ASSERT_TRUE(sim.waitForTraceLines(2));
@@ -113,7 +113,7 @@ TEST_F(LinkEndToEnd, UnsolicitedStatusIsAcknowledgedOverTheWire) {
     ASSERT_EQ(link.cmd_connect(5), Link::ConnectResult::Connected);
     ASSERT_TRUE(sim.waitForTraceLines(4)) << sim.traceLines().join(", ").toStdString();
     EXPECT_EQ(sim.traceLines().mid(2), QStringList({"TX <STX>STS1   101<ETX>", "RX <ACK>"}));
-    EXPECT_EQ(link.lastControl(), QString("\x02STS1   101\x03"));
+    EXPECT_EQ(link.received().lastControl(), QString("\x02STS1   101\x03"));
 }
 
 TEST_F(LinkEndToEnd, PbxThatGoesAwayIsReported) {

@@ -64,6 +64,37 @@ TEST_F(Player, RefusedFramesExitOneWithTheCount) {
     EXPECT_TRUE(xml.contains("PBX DID NOT ACKnowkledge the Check out message:"));
 }
 
+TEST_F(Player, AConverterThatJoinsMessagesIsSplitOnlyWhenAsked) {
+    // The PBX's STS2 and MW reach the console in one TCP segment, as a converter gathers them,
+    // while the script waits for the MW.
+    const QStringList joining = {"--after", "CHK1", "2",
+                                 "<STX>STS2   101<ETX><STX>MW 1   101<ETX>"};
+    const QByteArray plays = "CHK1   101\r\nWAIT MW 1   101 5\r\n;\r\n";
+    for (const bool split : {false, true}) {
+        PbxSimProcess sim(joining);
+        ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+        out.clear();
+        err.clear();
+        QStringList arguments = {"--no-settings", "--tcp", tcp(sim), script(plays)};
+        if (split)
+            arguments.prepend("--split-joined");
+        start(arguments);
+        finish();
+        const QStringList log = outLines();
+        if (split) {
+            EXPECT_TRUE(log.contains("Received--> STS2   101")) << out.toStdString();
+            EXPECT_TRUE(log.contains("but recieved --> STS2   101"));
+            EXPECT_TRUE(log.contains("Received--> MW 1   101"));
+            EXPECT_TRUE(log.contains("successfully received --> mw1"));
+            EXPECT_EQ(log.count("Sending -->    ACK"), 2) << "each message answered";
+        } else {
+            EXPECT_TRUE(log.contains("Received--> STS2   101MW 1   101")) << out.toStdString();
+            EXPECT_EQ(log.count("Sending -->    ACK"), 1) << "one text, answered once";
+            EXPECT_TRUE(log.contains("Time expired.  Did not receive--> mw1"));
+        }
+    }
+}
+
 TEST_F(Player, UnreachablePortExitsTwoWithinTheTimeout) {
     QElapsedTimer clock;
     clock.start();

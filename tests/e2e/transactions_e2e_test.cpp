@@ -22,8 +22,8 @@ protected:
     Session session{pump, op, tcp, serial};
 
     void connectTo(const PbxSimProcess& sim) {
-        session.link.settings.ipAddress = "127.0.0.1";
-        session.link.settings.telnetPort = QString::number(sim.port());
+        session.link.settings().ipAddress = "127.0.0.1";
+        session.link.settings().telnetPort = QString::number(sim.port());
         ASSERT_EQ(session.cmd_connect(5), Link::ConnectResult::Connected);
     }
 };
@@ -61,8 +61,8 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
 TEST_F(TransactionsEndToEnd, VoiceMailCheckIn) {
     PbxSimProcess sim({"--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
-    session.link.pmsMode = PmsMode::Vmail;
-    session.link.protocolType = Protocol::His;
+    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
+    session.link.setMode(session.link.pmsMode(), Protocol::His);
     connectTo(sim);
     session.fields.setText(Field::txt_ls_pilot, "4001");
     session.cmd_chk_in();

@@ -23,9 +23,9 @@ TEST_F(Connection, TcpHotel) {
 }
 
 TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
-    link.pmsMode = PmsMode::Vmail;
+    link.setMode(PmsMode::Vmail, link.protocolType());
     tcpPbx.setMode(sim::Mode::Vmail);
-    link.protocolType = Protocol::His;
+    link.setMode(link.pmsMode(), Protocol::His);
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
     EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray("\x02"
                                                         "1\x03"
@@ -36,7 +36,7 @@ TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
 
 TEST_F(Connection, SerialVmailLogsConnectingOnce) {
     useSerial();
-    link.pmsMode = PmsMode::Vmail;
+    link.setMode(PmsMode::Vmail, link.protocolType());
     serialPbx.setMode(sim::Mode::Vmail);
     QSignalSpy recordingStopped(&link, &Link::recordingStopped);
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
@@ -57,12 +57,12 @@ TEST_F(Connection, SerialAppliesSettingsAndMapsPortNumbers) {
     for (auto& c : cases) {
         serial.close();
         serial.calls.clear();
-        link.settings.commPortNumber = c.port;
-        link.settings.speed = "9600";
-        link.settings.parity = "E";
-        link.settings.dataBits = "7";
-        link.settings.stopBits = "1";
-        link.settings.dtrEnabled = true;
+        link.settings().commPortNumber = c.port;
+        link.settings().speed = "9600";
+        link.settings().parity = "E";
+        link.settings().dataBits = "7";
+        link.settings().stopBits = "1";
+        link.settings().dtrEnabled = true;
         link.cmd_connect();
         EXPECT_EQ(serial.calls, QStringList({"options 9600,E,7,1", "open " + c.device}));
         EXPECT_TRUE(serial.options.dtr);
@@ -80,7 +80,7 @@ TEST_F(Connection, SerialConnectTwiceDoesNotReopen) {
 
 TEST_F(Connection, SerialWithoutPortAsksForOne) {
     useSerial();
-    link.settings.commPortNumber.clear();
+    link.settings().commPortNumber.clear();
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
     EXPECT_EQ(op.notices, QStringList{"specify port"});
     EXPECT_TRUE(serial.calls.isEmpty());
@@ -130,7 +130,7 @@ TEST_F(Connection, ConnectLimitUnderASecondIsHonoured) {
 }
 
 TEST_F(Connection, BadTcpPortIsANotice) {
-    link.settings.telnetPort = "70000";
+    link.settings().telnetPort = "70000";
     EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
     ASSERT_EQ(op.notices.size(), 1);
     EXPECT_TRUE(op.notices[0].contains("70000"));

@@ -1,5 +1,6 @@
 #include "common/link_fixture.h"
 #include "core/pause.h"
+#include "link/exchange.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -24,8 +25,7 @@ struct LinkStartingAt {
 
 TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
     tcpPbx.options.onEnq = Answer::Nak;
-    link.send_enq();
-    EXPECT_TRUE(link.ackFailed());
+    EXPECT_TRUE(send_enq(link).ackFailed());
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
     EXPECT_LE(pump.elapsedMs(), 5 * 100) << "each answer ends its wait at the next 0.1 s step";
     EXPECT_EQ(lines().count("Sending -->    ENQ"), 5);
@@ -36,32 +36,25 @@ TEST_F(Exchange, NakToEveryEnqEndsAfterFiveQuickRoundTrips) {
 
 TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
     tcpPbx.options.onEnq = Answer::Silent;
-    link.send_enq();
-    EXPECT_TRUE(link.ackFailed());
+    EXPECT_TRUE(send_enq(link).ackFailed());
     EXPECT_EQ(tcp.written.size(), 5);
     EXPECT_GE(pump.elapsedMs(), 5 * 5000);
     EXPECT_LE(pump.elapsedMs(), 5 * 5100);
 }
 
 TEST_F(Exchange, EnqAckedAtFirstAttempt) {
-    link.send_enq();
-    EXPECT_FALSE(link.ackFailed());
+    EXPECT_FALSE(send_enq(link).ackFailed());
     EXPECT_EQ(tcp.written, QList<QByteArray>{ENQ});
     EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK"}));
 }
 
 TEST_F(Exchange, SendEnqDoesNothingWhileWaiting) {
     tcpPbx.options.onEnq = Answer::Silent;
-    link.send_text(QString(QChar(5)));
-    link.wait_for_ack(false);
-    ASSERT_TRUE(link.ackFailed());
-    tcp.written.clear();
     const Link::WaitGuard busy(link);
-    link.send_enq();
+    EXPECT_EQ(send_enq(link).outcome, AckWait::Outcome::Busy);
     EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(link.ackFailed()) << "left as it was";
     qint16 n = 10;
-    EXPECT_FALSE(link.send_enq_counted(n));
+    EXPECT_FALSE(send_enq_counted(link, n));
     EXPECT_TRUE(tcp.written.isEmpty());
 }
 
@@ -85,10 +78,19 @@ TEST_F(Exchange, WaitForAckErrorLines) {
         log = TrafficLog();
         tcpPbx.options.onEnq = c.answer;
         link.send_text(QString(QChar(5)));
-        link.wait_for_ack(true);
-        EXPECT_EQ(link.ackFailed(), c.failed) << c.name;
+        EXPECT_EQ(wait_for_ack(link, true).ackFailed(), c.failed) << c.name;
         EXPECT_EQ(lines(), c.shown) << c.name;
     }
+}
+
+TEST_F(Exchange, AWaitJudgesTheFirstOfTwoMessagesHandledInOneTurn) {
+    // The ACK and the PBX's own NAK reach the console together: the ACK answers.
+    tcp.deliver(ACK, 10);
+    tcp.deliver(NAK, 10);
+    const AckWait wait = wait_for_ack(link, true);
+    EXPECT_EQ(wait.outcome, AckWait::Outcome::Acknowledged);
+    EXPECT_EQ(wait.received, "ACK");
+    EXPECT_EQ(lines(), QStringList({"Received--> ACK", "Received--> NAK"}));
 }
 
 TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
@@ -97,7 +99,7 @@ TEST_F(Exchange, StaleAckSatisfiesPollAtOnce) {
     log = TrafficLog();
     const qint64 start = pump.elapsedMs();
     tcpPbx.options.onEnq = Answer::Silent;
-    EXPECT_TRUE(link.poll_for_ack(true));
+    EXPECT_TRUE(poll_for_ack(link, true));
     EXPECT_EQ(pump.elapsedMs(), start);
     EXPECT_FALSE(link.waitingForAck());
 }
@@ -107,7 +109,7 @@ TEST_F(Exchange, PollGivesUpAfterFiveSeconds) {
     pump.processEvents();
     log = TrafficLog();
     const qint64 start = pump.elapsedMs();
-    EXPECT_FALSE(link.poll_for_ack(true));
+    EXPECT_FALSE(poll_for_ack(link, true));
     EXPECT_EQ(pump.elapsedMs() - start, 5000);
     EXPECT_EQ(lines(), QStringList{"ERROR: WAITING FOR ACK - TIMEOUT"});
     EXPECT_FALSE(link.waitingForAck());
@@ -129,9 +131,9 @@ TEST(ExchangeTimeOut, FiveSecondsAtAnyHourAcrossMidnightAndOnTheEighthDay) {
         VirtualEventPump& pump = rig.pump;
         pump.advance(qint64(c.daysRunning) * 24 * 3600 * 1000);
         const qint64 start = pump.elapsedMs();
-        rig.link.wait_for_ack(false);
+        const AckWait wait = wait_for_ack(rig.link, false);
         const QString at = c.start.toString() + QStringLiteral(" day %1").arg(c.daysRunning + 1);
-        EXPECT_TRUE(rig.link.ackFailed()) << at.toStdString();
+        EXPECT_EQ(wait.outcome, AckWait::Outcome::TimedOut) << at.toStdString();
         EXPECT_GE(pump.elapsedMs() - start, 5000) << at.toStdString();
         EXPECT_LE(pump.elapsedMs() - start, 5001) << at.toStdString();
     }
@@ -169,10 +171,9 @@ namespace {
 TEST_F(Exchange, StopRequestUnwindsEveryWait) {
     tcpPbx.options.onEnq = Answer::Silent;
     pump.schedule(1200, [&] { pump.requestStop(); });
-    link.send_enq();
-    EXPECT_TRUE(link.ackFailed());
+    EXPECT_EQ(send_enq(link).outcome, AckWait::Outcome::Interrupted);
     EXPECT_LT(pump.elapsedMs(), 1500) << "the five ENQ waits end at their next look";
-    EXPECT_FALSE(link.poll_for_ack(false));
+    EXPECT_FALSE(poll_for_ack(link, false));
     EXPECT_FALSE(link.waitingForAck());
     const qint64 before = pump.elapsedMs();
     pause_seconds(pump, 5.0f);

@@ -1,4 +1,5 @@
 #include "common/link_fixture.h"
+#include "link/manual_commands.h"
 
 #include <optional>
 
@@ -12,17 +13,17 @@ class ManualCommands : public LinkFixture {};
 TEST_F(ManualCommands, EachSendsOneThingAndTheGuardedOnesWaitTheirTurn) {
     struct Case {
         const char* name;
-        void (Link::*command)();
+        void (*command)(Link&);
         bool guarded;
         const char* logged;
         QByteArray sent;
     } cases[] = {
-        {"ack", &Link::cmd_ack, false, "Sending -->    ACK", ACK},
-        {"nak", &Link::cmd_nak, true, "Sending -->    NAK", NAK},
-        {"enq", &Link::cmd_enquiry_basic, false, "Sending -->    ENQ", ENQ},
-        {"ayt", &Link::cmd_ayt, true, "Sending -->    AREYUTHERE", frame("AREYUTHERE")},
-        {"grs", &Link::cmd_grs, true, "Sending -->    GRS", frame("GRS       ")},
-        {"end", &Link::cmd_end, true, "Sending -->    END", frame("END       ")},
+        {"ack", &cmd_ack, false, "Sending -->    ACK", ACK},
+        {"nak", &cmd_nak, true, "Sending -->    NAK", NAK},
+        {"enq", &cmd_enquiry_basic, false, "Sending -->    ENQ", ENQ},
+        {"ayt", &cmd_ayt, true, "Sending -->    AREYUTHERE", frame("AREYUTHERE")},
+        {"grs", &cmd_grs, true, "Sending -->    GRS", frame("GRS       ")},
+        {"end", &cmd_end, true, "Sending -->    END", frame("END       ")},
     };
     tcpPbx.options.onEnq = sim::Answer::Silent;
     tcpPbx.options.onFrame = sim::Answer::Silent;
@@ -33,7 +34,7 @@ TEST_F(ManualCommands, EachSendsOneThingAndTheGuardedOnesWaitTheirTurn) {
             std::optional<Link::WaitGuard> busy;
             if (waiting)
                 busy.emplace(link);
-            (link.*c.command)();
+            c.command(link);
             const bool acts = !(waiting && c.guarded);
             EXPECT_EQ(lines(), acts ? QStringList{c.logged} : QStringList{}) << c.name << waiting;
             EXPECT_EQ(tcp.written, acts ? QList<QByteArray>{c.sent} : QList<QByteArray>{})

@@ -1,5 +1,6 @@
 #include "core/virtual_event_pump.h"
 #include "link/receive_assembly.h"
+#include "link/serial_line.h"
 #include "protocol/readable_notation.h"
 
 #include <gtest/gtest.h>
@@ -141,25 +142,28 @@ TEST(ReceiveAssembly, AFrameThatNeverEndsIsNotHeldBeyondItsCap) {
     QList<QByteArray> handed;
     QObject::connect(&assembly, &ReceiveAssembly::message,
                      [&](const QByteArray& bytes) { handed.append(bytes); });
-    assembly.take("\x02" + QByteArray(ReceiveAssembly::maxHeldBytes, 'x'));
+    assembly.take("\x02" + QByteArray(WireScanner::maxFrameBytes, 'x'));
     ASSERT_EQ(handed.size(), 1);
-    EXPECT_EQ(handed[0].size(), ReceiveAssembly::maxHeldBytes + 1);
+    EXPECT_EQ(handed[0].size(), WireScanner::maxFrameBytes + 1);
     EXPECT_FALSE(assembly.holding());
 }
 
 TEST(ReceiveAssembly, DefaultGapFollowsTheLineSpeed) {
     const struct {
-        int baud;
-        double bits;
+        int given;
+        bool tcp;
+        const char* line;
         int gapMs;
     } cases[] = {
-        {0, 0, 100},     // TCP: no line speed
-        {9600, 10, 100}, // 20 characters take 21 ms
-        {1200, 11, 184}, // 8 data bits, 2 stop bits: 183.3 ms
-        {300, 10, 667},
+        {0, true, "1200,N,8,2", 100},   // TCP: no line speed
+        {0, false, "9600,N,8,1", 100},  // 20 characters take 21 ms
+        {0, false, "1200,N,8,2", 184},  // 8 data bits, 2 stop bits: 183.3 ms
+        {0, false, "300,E,7,1", 667},   // with parity, 10 bits a character
+        {0, false, "fast,N,8,1", 100},  // a line that cannot be read
+        {250, false, "300,N,8,1", 250}, // set by the operator
     };
     for (const auto& c : cases)
-        EXPECT_EQ(defaultFrameGapMs(c.baud, c.bits), c.gapMs) << c.baud;
+        EXPECT_EQ(frameGapMs(c.given, c.tcp, c.line), c.gapMs) << c.line;
 }
 
 } // namespace

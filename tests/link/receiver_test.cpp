@@ -1,4 +1,5 @@
 #include "common/link_fixture.h"
+#include "link/exchange.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -158,22 +159,19 @@ TEST_F(Receiver, ClassifiesLogsAndAnswers) {
     };
     for (auto& c : cases) {
         SetUp();
-        link.settings.useTcp = c.tcp;
+        link.settings().useTcp = c.tcp;
         // What the PBX said before this case, already looked at by a wait.
-        link.pmsMode = PmsMode::Hotel;
+        link.setMode(PmsMode::Hotel, link.protocolType());
         receive(c.tcp, untouched);
-        link.clearAckReceived();
-        link.expectVmailAck();
+        ReceivedMessages::Reader arrivals = link.received().reader();
         log = TrafficLog();
         tcp.written.clear();
         serial.written.clear();
-        link.pmsMode = *pmsModeNamed(c.mode);
+        link.setMode(*pmsModeNamed(c.mode), link.protocolType());
         receive(c.tcp, c.in);
         EXPECT_EQ(lines(), c.logged) << c.name;
-        EXPECT_EQ(link.lastControl(), QString::fromLatin1(c.lastControl)) << c.name;
-        EXPECT_TRUE(link.ackReceived()) << c.name;
-        EXPECT_EQ(link.vmailAcked(), link.lastControl() == "ACK" && c.in.trimmed() == ACK)
-            << c.name;
+        EXPECT_EQ(arrivals.next(), QString::fromLatin1(c.lastControl)) << c.name;
+        EXPECT_EQ(arrivals.next(), std::nullopt) << c.name << ": one read, one message";
         const QList<QByteArray> expectedWrites =
             c.answered ? QList<QByteArray>{ACK} : QList<QByteArray>{};
         EXPECT_EQ((c.tcp ? tcp : serial).written, expectedWrites) << c.name;
@@ -181,9 +179,9 @@ TEST_F(Receiver, ClassifiesLogsAndAnswers) {
 }
 
 TEST_F(Receiver, CarrierDetectOverSerial) {
+    ReceivedMessages::Reader arrivals = link.received().reader();
     Q_EMIT serial.carrierDetectChanged();
-    EXPECT_TRUE(link.ackReceived());
-    EXPECT_EQ(link.lastControl(), "Comm Event Fired ");
+    EXPECT_EQ(arrivals.next(), "Comm Event Fired ");
     EXPECT_EQ(lines(), QStringList{" Comm Event Fired 5"});
 }
 
@@ -191,9 +189,9 @@ TEST_F(Receiver, AnswerToEnqGoesOutDuringAWait) {
     // The PBX bids while the console waits: the ACK goes out inside the wait, unguarded.
     tcpPbx.options.onEnq = sim::Answer::Silent;
     tcp.deliver(ENQ, 300);
-    link.wait_for_ack(false);
+    const AckWait wait = wait_for_ack(link, false);
     EXPECT_EQ(tcp.written, QList<QByteArray>{ACK});
-    EXPECT_TRUE(link.ackFailed()) << "an ENQ is not an ACK";
+    EXPECT_EQ(wait.received, "ENQ") << "an ENQ is not an ACK";
 }
 
 TEST(FindPositionOfNextMessage, Table) {

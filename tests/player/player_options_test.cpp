@@ -76,7 +76,7 @@ TEST(PlayerOptions, RejectsWithAReason) {
         {{"--line", "9600,N,9,1", "s"}, "data bits"},
         {{"--line", "0,N,8,1", "s"}, "speed"},
         {{"--line", "9600,N,8,3", "s"}, "stop bits"},
-        {{"--junit"}, "needs a value"},
+        {{"--junit"}, "--junit needs FILE"},
         {{"a", "b"}, "one too many"},
         {{"-x", "s"}, "unknown option"},
     };

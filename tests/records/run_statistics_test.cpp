@@ -7,6 +7,15 @@ using namespace larkspur;
 
 namespace {
 
+// An exchange of `type` answered after `ms`, or timed out when `ms` is negative.
+Exchange answered(const QString& type, qint64 ms) {
+    Exchange exchange;
+    exchange.type = type;
+    exchange.outcome = ms < 0 ? Exchange::Outcome::TimedOut : Exchange::Outcome::Acknowledged;
+    exchange.ms = qMax<qint64>(0, ms);
+    return exchange;
+}
+
 TEST(RunStatistics, MinimumMedianAndMaximumOfTheAnswerTimes) {
     const struct {
         const char* name;
@@ -23,10 +32,7 @@ TEST(RunStatistics, MinimumMedianAndMaximumOfTheAnswerTimes) {
     for (const auto& c : cases) {
         RunStatistics statistics;
         for (const qint64 ms : c.answers)
-            statistics.add(
-                {"check-in",
-                 ms < 0 ? ExchangeEvent::Outcome::TimedOut : ExchangeEvent::Outcome::Acknowledged,
-                 ms});
+            statistics.add(answered("check-in", ms));
         const RunStatistics::Row row = statistics.rows().value("check-in");
         EXPECT_EQ(row.sent, c.answers.size()) << c.name;
         EXPECT_EQ(row.minMs(), c.min) << c.name;
@@ -38,7 +44,7 @@ TEST(RunStatistics, MinimumMedianAndMaximumOfTheAnswerTimes) {
 TEST(RunStatistics, AMillionAnswersKeepOneEntryPerDistinctTime) {
     RunStatistics statistics;
     for (int i = 0; i < 1'000'000; ++i)
-        statistics.add({"ENQ", ExchangeEvent::Outcome::Acknowledged, i % 4});
+        statistics.add(answered("ENQ", i % 4));
     const RunStatistics::Row row = statistics.rows().value("ENQ");
     EXPECT_EQ(row.answerMs.size(), 4);
     EXPECT_EQ(row.answered, 1'000'000);

@@ -1,6 +1,8 @@
 #include "common/link_fixture.h"
+#include "link/exchange.h"
 #include "link/link_trace.h"
 #include "records/error_records.h"
+#include "records/message_names.h"
 #include "records/run_statistics.h"
 #include "records/wire_trace.h"
 #include "transactions/send_sequences.h"
@@ -13,13 +15,13 @@ namespace {
 
 class WireTraceTest : public LinkFixture {
 protected:
-    WireTrace trace;
+    WireTrace trace{pump};
     RunStatistics stats;
     void SetUp() override {
         LinkFixture::SetUp();
         traceLink(link, trace);
         QObject::connect(&trace, &WireTrace::exchangeEnded,
-                         [this](const ExchangeEvent& e) { stats.add(e); });
+                         [this](const Exchange& e) { stats.add(e); });
     }
     QStringList rows() const {
         QStringList out;
@@ -52,17 +54,17 @@ TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
 
 TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
     tcpPbx.options.onEnq = Answer::Silent;
-    link.send_enq();
-    trace.finish(pump.currentDateTime());
+    send_enq(link);
+    trace.finish("the link was closed");
     EXPECT_EQ(rows().count("TX <ENQ>   | 05"), 5);
-    EXPECT_EQ(rows().filter("-- ENQ unanswered").size(), 5);
+    EXPECT_EQ(rows().count("-- no answer within 5 s to the ENQ bid"), 5);
     EXPECT_EQ(stats.rows().value("ENQ").timedOut, 5);
     EXPECT_EQ(stats.rows().value("ENQ").minMs(), -1);
 }
 
 TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
-    link.pmsMode = PmsMode::Vmail;
-    link.protocolType = Protocol::His;
+    link.setMode(PmsMode::Vmail, link.protocolType());
+    link.setMode(link.pmsMode(), Protocol::His);
     tcpPbx.setMode(sim::Mode::Vmail);
     sendVmailFrame(link, link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
     tcp.deliver(QByteArray("\x02"
@@ -78,10 +80,10 @@ TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
 }
 
 TEST(WireTraceRing, KeepsTheNewestRows) {
-    WireTrace trace(3);
-    const QDateTime t(QDate(2026, 1, 1), QTime(1, 2, 3, 4));
+    VirtualEventPump pump(QDateTime(QDate(2026, 1, 1), QTime(1, 2, 3, 4)));
+    WireTrace trace(pump, 3);
     for (char c = 'a'; c <= 'e'; ++c)
-        trace.received(QByteArray(1, c), t, false);
+        trace.received(QByteArray(1, c), PmsMode::Hotel);
     EXPECT_EQ(trace.size(), 3);
     EXPECT_EQ(trace.dropped(), 2);
     EXPECT_EQ(trace.row(0).bytes, "c");
@@ -101,13 +103,15 @@ TEST(WireTraceTypes, NamesMessages) {
         {"\x02WKP0730  101\x03", false, "wake-up"},
         {"\x02RST2    12\x03", false, "restriction"},
         {"\x02MW 0   101\x03", false, "message waiting off"},
-        {"\x02XYZW\x03", false, "XYZW"},
+        {"\x02XYZW\x03", false, "unknown message"},
         {"\x02"
          "A4001  1234  \x03x",
          true, "voice mail A check-in with passcode"},
     };
     for (auto& c : cases)
-        EXPECT_EQ(WireTrace::messageType(c.frame, c.vmail), c.type) << c.frame.toStdString();
+        EXPECT_EQ(frameName(c.frame, Side::Pms, c.vmail ? PmsMode::Vmail : PmsMode::Hotel).type,
+                  c.type)
+            << c.frame.toStdString();
 }
 
 } // namespace

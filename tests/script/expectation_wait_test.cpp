@@ -41,6 +41,23 @@ TEST_F(ExpectationWait, PlainWaitReportsOtherMessagesThenSucceeds) {
     EXPECT_FALSE(session.link.waitingForAck());
 }
 
+TEST_F(ExpectationWait, TwoMessagesHandledInOneTurnBothReachTheWait) {
+    // The expected MW and a later STS2 arrive before the wait looks again: the MW still meets it.
+    pbxSends(frame("MW 1   101"), 500);
+    pbxSends(frame("STS2   101"), 500);
+    engine.WAIT("mw1", "9");
+    EXPECT_TRUE(lines().contains("successfully received --> mw1")) << lines().join('|');
+    EXPECT_EQ(pump.elapsedMs(), 500);
+    // In the other order the STS2 is reported and the MW still meets the wait.
+    const qsizetype before = lines().size();
+    pbxSends(frame("STS2   101"), 500);
+    pbxSends(frame("MW 1   101"), 500);
+    engine.WAIT("mw1", "9");
+    const QStringList second = lines().mid(before);
+    EXPECT_TRUE(second.contains("but recieved --> STS2   101")) << second.join('|');
+    EXPECT_TRUE(second.contains("successfully received --> mw1"));
+}
+
 TEST_F(ExpectationWait, NoticeWaitPassesOverOtherMessagesInSilence) {
     pbxSends(frame("STS2   102"), 500);
     pbxSends(frame("STS2   101"), 1500);
@@ -82,7 +99,7 @@ TEST_F(ExpectationWait, Outcomes) {
         restart();
         session.recorder.start(QString());
         session.fields.setText(Field::txt_suite_1, "101");
-        session.link.settings.useTcp = c.overTcp;
+        session.link.settings().useTcp = c.overTcp;
         serial.openPort("/dev/ttyS0");
         const qint64 start = pump.elapsedMs();
         if (!c.arrives.isEmpty())

@@ -52,7 +52,7 @@ TEST_F(LostLink, EndsTheConnectionTest) {
 }
 
 TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
-    session.link.pmsMode = PmsMode::Vmail;
+    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
     pbx.setMode(sim::Mode::Vmail);
     pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 500);

@@ -21,9 +21,9 @@ TEST_F(Runner, OneLineFilePlaysNothingAndCompletes) {
 }
 
 TEST_F(Runner, HotelScriptForcesHyattAndPacesOneSecond) {
-    session.link.protocolType = Protocol::His;
+    session.link.setMode(session.link.pmsMode(), Protocol::His);
     EXPECT_EQ(play("\r\nCHK1   101\r\nCHK0   102\r\n;\r\n"), Outcome::Completed);
-    EXPECT_EQ(session.link.protocolType, Protocol::Hyatt);
+    EXPECT_EQ(session.link.protocolType(), Protocol::Hyatt);
     EXPECT_EQ(frames(), QStringList({"CHK1   101", "CHK0   102"}));
     EXPECT_GE(pump.elapsedMs(), 2000);
 }
@@ -97,8 +97,8 @@ TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
 }
 
 TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
-    session.link.pmsMode = PmsMode::Vmail;
-    session.link.protocolType = Protocol::His;
+    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
+    session.link.setMode(session.link.pmsMode(), Protocol::His);
     session.recorder.start("VMAILHIS\r\n");
     const QList<std::pair<FieldTexts, Action>> clicks = {
         {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_in},
@@ -118,9 +118,9 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
 
     tcp.written.clear();
     session.recorder.suspend();
-    session.link.pmsMode = PmsMode::Hotel;
+    session.link.setMode(PmsMode::Hotel, session.link.protocolType());
     EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
-    EXPECT_EQ(session.link.pmsMode, PmsMode::Vmail);
+    EXPECT_EQ(session.link.pmsMode(), PmsMode::Vmail);
     EXPECT_EQ(tcp.written, sent);
     EXPECT_EQ(session.controls.state(Control::cmd_name_1).caption, "Query MW Status");
 }
@@ -256,7 +256,7 @@ TEST_F(Runner, RunScriptAsksForTheFile) {
 }
 
 TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
-    session.link.protocolType = Protocol::His;
+    session.link.setMode(session.link.pmsMode(), Protocol::His);
     const QByteArray checkIn = session.link.build_vmail_message("2", "4001", "").toLatin1();
     const QByteArray checkOut = session.link.build_vmail_message("3", "4001", "").toLatin1();
     QSignalSpy unrecognized(&engine, &ScriptEngine::unrecognizedCommand);

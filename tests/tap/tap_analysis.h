@@ -20,6 +20,7 @@ struct TapSetup {
     qsizetype capacity = TraceBacklog::defaultCapacity;
     int frameGapMs = 100;
     bool monitor = false;
+    bool splitJoined = false;
 };
 
 // The tap's analysis in virtual time, fed through its backlog as the relay feeds it: what each
@@ -33,7 +34,7 @@ public:
                                     [this](const QString& line) { learned << line; })
                               : nullptr),
           analysis(
-              pump, setup.mode, setup.frameGapMs, setup.monitor,
+              pump, {setup.mode, setup.frameGapMs, setup.monitor, setup.splitJoined},
               [this](const QString& line) { lines << line.mid(11); }, statistics, learner.get()),
           backlog(
               pump, [this](const TraceEntry& entry) { analysis.take(entry); }, setup.capacity) {}

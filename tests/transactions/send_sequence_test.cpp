@@ -107,7 +107,7 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
     for (auto& c : cases) {
         SetUp();
         log = TrafficLog();
-        link.pmsMode = PmsMode::Vmail;
+        link.setMode(PmsMode::Vmail, link.protocolType());
         tcpPbx.setMode(sim::Mode::Vmail);
         tcpPbx.options.onFrame = c.answer;
         const qint64 start = pump.elapsedMs();

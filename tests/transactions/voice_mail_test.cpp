@@ -16,8 +16,8 @@ class VoiceMail : public SessionFixture {
 protected:
     void SetUp() override {
         SessionFixture::SetUp();
-        session.link.pmsMode = PmsMode::Vmail;
-        session.link.protocolType = Protocol::His;
+        session.link.setMode(PmsMode::Vmail, session.link.protocolType());
+        session.link.setMode(session.link.pmsMode(), Protocol::His);
         pbx.setMode(sim::Mode::Vmail);
     }
     static QString vmailFrame(const QString& body) {
@@ -60,7 +60,7 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         restart();
-        session.link.protocolType = *protocolNamed(c.protocol);
+        session.link.setMode(session.link.pmsMode(), *protocolNamed(c.protocol));
         const qint64 start = pump.elapsedMs();
         click(c.fields + FieldTexts{{txt_ls_pilot, "4001"}}, c.action);
         const QString sent = vmailFrame(c.body);

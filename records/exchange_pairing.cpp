@@ -1,12 +1,12 @@
-#include "tap/exchange_tracker.h"
+#include "records/exchange_pairing.h"
 
 #include "core/event_pump.h"
 #include "protocol/frame.h"
-#include "tap/message_names.h"
+#include "records/message_names.h"
 
 #include <cmath>
 
-namespace larkspur::tap {
+namespace larkspur {
 
 namespace {
 qint64 msBetween(double from, double to) {
@@ -17,36 +17,36 @@ QString answerWord(const QByteArray& answer) {
     return answer == QByteArray(1, char(ctl::ACK)) ? QStringLiteral("ACK") : QStringLiteral("NAK");
 }
 
-ExchangeEvent::Outcome outcomeOf(const QByteArray& answer) {
-    return answer == QByteArray(1, char(ctl::ACK)) ? ExchangeEvent::Outcome::Acknowledged
-                                                   : ExchangeEvent::Outcome::Refused;
+Exchange::Outcome outcomeOf(const QByteArray& answer) {
+    return answer == QByteArray(1, char(ctl::ACK)) ? Exchange::Outcome::Acknowledged
+                                                   : Exchange::Outcome::Refused;
 }
 } // namespace
 
-ExchangeTracker::ExchangeTracker(EventPump& pump, PmsMode mode, int earlyAnswerMs, QObject* parent)
+ExchangePairing::ExchangePairing(EventPump& pump, PmsMode mode, int earlyAnswerMs, QObject* parent)
     : QObject(parent), m_pump(pump), m_mode(mode), m_earlyAnswerMs(earlyAnswerMs) {}
 
-void ExchangeTracker::track(Side from, const MessageCutter::Message& message, const QDateTime& time,
+void ExchangePairing::track(Side from, const WireUnit& unit, const QDateTime& time,
                             double seconds) {
-    using Kind = MessageCutter::Kind;
-    switch (message.kind) {
-    case Kind::Stray:
-        Q_EMIT shown(from, message.bytes, time, QStringLiteral("stray bytes"));
+    switch (unit.kind) {
+    case WireUnit::Kind::Stray:
+        Q_EMIT shown(from, unit.bytes, time, QStringLiteral("stray bytes"));
         return;
-    case Kind::UnfinishedFrame:
-        Q_EMIT shown(from, message.bytes, time, QStringLiteral("unfinished frame"));
+    case WireUnit::Kind::UnfinishedFrame:
+        Q_EMIT shown(from, unit.bytes, time, QStringLiteral("unfinished frame"));
         return;
-    case Kind::Frame:
-    case Kind::Control:
-        break;
+    case WireUnit::Kind::Ack:
+    case WireUnit::Kind::Nak:
+        answer(from, Answer{unit.bytes, time, seconds});
+        return;
+    case WireUnit::Kind::Enq:
+    case WireUnit::Kind::Frame:
+        bidOrFrame(from, unit, time, seconds);
+        return;
     }
-    if (message.kind == Kind::Control && message.bytes.at(0) != char(ctl::ENQ))
-        answer(from, Answer{message.bytes, time, seconds});
-    else
-        bidOrFrame(from, message, time, seconds);
 }
 
-void ExchangeTracker::answer(Side from, const Answer& answer) {
+void ExchangePairing::answer(Side from, const Answer& answer) {
     const Side answered = otherSide(from);
     SideState& state = m_sides[int(answered)];
     if (state.waiting) {
@@ -70,7 +70,7 @@ void ExchangeTracker::answer(Side from, const Answer& answer) {
     });
 }
 
-void ExchangeTracker::letTheEarlyAnswerGo(Side side) {
+void ExchangePairing::letTheEarlyAnswerGo(Side side) {
     SideState& state = m_sides[int(side)];
     if (!state.early)
         return;
@@ -79,31 +79,31 @@ void ExchangeTracker::letTheEarlyAnswerGo(Side side) {
                  answerWord(early.bytes) + QStringLiteral(", answering nothing waiting"));
 }
 
-void ExchangeTracker::bidOrFrame(Side from, const MessageCutter::Message& message,
-                                 const QDateTime& time, double seconds) {
+void ExchangePairing::bidOrFrame(Side from, const WireUnit& unit, const QDateTime& time,
+                                 double seconds) {
     Exchange exchange;
     exchange.from = from;
-    exchange.bytes = message.bytes;
+    exchange.bytes = unit.bytes;
     exchange.time = time;
     exchange.seconds = seconds;
-    exchange.enq = message.kind == MessageCutter::Kind::Control;
+    exchange.enq = unit.kind == WireUnit::Kind::Enq;
     QString verdict;
     if (exchange.enq) {
         exchange.description = QStringLiteral("the ENQ bid");
         exchange.type = enqType(from);
     } else {
-        const MessageName name = frameName(message.bytes, from, m_mode);
+        const MessageName name = frameName(unit.bytes, from, m_mode);
         exchange.description = name.description;
         exchange.type = name.type;
-        if (m_mode == PmsMode::Vmail)
-            verdict = checkCharacterRight(message.bytes)
+        if (unit.check != WireUnit::Check::None)
+            verdict = unit.check == WireUnit::Check::Right
                           ? QStringLiteral(", check character right")
                           : QStringLiteral(", check character wrong");
     }
     // A new bid or frame while the last still waits: the last is not going to be answered.
     SideState& state = m_sides[int(from)];
     if (state.waiting)
-        close(from, ExchangeEvent::Outcome::TimedOut, time, seconds,
+        close(from, Exchange::Outcome::TimedOut, time, seconds,
               QStringLiteral("no answer to %1 before the next %2")
                   .arg(state.pending.description,
                        exchange.enq ? QStringLiteral("ENQ") : QStringLiteral("frame")));
@@ -113,7 +113,7 @@ void ExchangeTracker::bidOrFrame(Side from, const MessageCutter::Message& messag
     QString text = exchange.enq ? QStringLiteral("ENQ bid") : exchange.description;
     if (exchange.attempt > 1)
         text += QStringLiteral(", retry %1").arg(exchange.attempt);
-    Q_EMIT shown(from, message.bytes, time, text + verdict);
+    Q_EMIT shown(from, unit.bytes, time, text + verdict);
     open(std::move(exchange));
 
     // The answer to this was heard first, on the other side's port.
@@ -127,14 +127,14 @@ void ExchangeTracker::bidOrFrame(Side from, const MessageCutter::Message& messag
     close(from, outcomeOf(early.bytes), time, seconds, QString());
 }
 
-void ExchangeTracker::open(Exchange exchange) {
+void ExchangePairing::open(Exchange exchange) {
     SideState& state = m_sides[int(exchange.from)];
     state.pending = std::move(exchange);
     state.waiting = true;
     watchTheAnswer(state.pending.from);
 }
 
-void ExchangeTracker::watchTheAnswer(Side from) {
+void ExchangePairing::watchTheAnswer(Side from) {
     SideState& state = m_sides[int(from)];
     if (state.timerArmed)
         return;
@@ -144,7 +144,7 @@ void ExchangeTracker::watchTheAnswer(Side from) {
                     [this, from] { onAnswerTimer(from); });
 }
 
-void ExchangeTracker::onAnswerTimer(Side from) {
+void ExchangePairing::onAnswerTimer(Side from) {
     SideState& state = m_sides[int(from)];
     state.timerArmed = false;
     if (!state.waiting)
@@ -155,33 +155,37 @@ void ExchangeTracker::onAnswerTimer(Side from) {
         watchTheAnswer(from);
         return;
     }
-    close(from, ExchangeEvent::Outcome::TimedOut, state.pending.time.addMSecs(answerMs), deadline,
+    close(from, Exchange::Outcome::TimedOut, state.pending.time.addMSecs(answerMs), deadline,
           QStringLiteral("no answer within %1 s to %2")
               .arg(answerMs / 1000)
               .arg(state.pending.description));
 }
 
-void ExchangeTracker::close(Side from, ExchangeEvent::Outcome outcome, const QDateTime& time,
+void ExchangePairing::close(Side from, Exchange::Outcome outcome, const QDateTime& time,
                             double seconds, const QString& note) {
     SideState& state = m_sides[int(from)];
     state.waiting = false;
     Exchange& unacked = state.pending.enq ? state.unackedEnq : state.unackedFrame;
-    unacked = outcome == ExchangeEvent::Outcome::Acknowledged ? Exchange{} : state.pending;
-    Q_EMIT ended(state.pending,
-                 ExchangeEnd{outcome, qMax<qint64>(0, msBetween(state.pending.seconds, seconds)),
-                             note, time, seconds});
+    unacked = outcome == Exchange::Outcome::Acknowledged ? Exchange{} : state.pending;
+    Exchange ended = state.pending;
+    ended.outcome = outcome;
+    ended.ms = qMax<qint64>(0, msBetween(ended.seconds, seconds));
+    ended.note = note;
+    ended.ended = time;
+    ended.endedSeconds = seconds;
+    Q_EMIT this->ended(ended);
 }
 
-void ExchangeTracker::endSession(const QString& why, const QDateTime& time, double seconds) {
+void ExchangePairing::endSession(const QString& why, const QDateTime& time, double seconds) {
     for (const Side side : {Side::Pms, Side::Pbx}) {
         letTheEarlyAnswerGo(side);
         SideState& state = m_sides[int(side)];
         if (state.waiting)
-            close(side, ExchangeEvent::Outcome::TimedOut, time, seconds,
+            close(side, Exchange::Outcome::TimedOut, time, seconds,
                   QStringLiteral("no answer to %1: %2").arg(state.pending.description, why));
         state.unackedEnq = Exchange{};
         state.unackedFrame = Exchange{};
     }
 }
 
-} // namespace larkspur::tap
+} // namespace larkspur

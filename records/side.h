@@ -2,9 +2,10 @@
 
 #include <QString>
 
-namespace larkspur::tap {
+namespace larkspur {
 
-// Who sent what the tap saw.
+// Which end of the link sent something: the hotel system (the console, or the PMS a tap watches)
+// or the PBX.
 enum class Side { Pms, Pbx };
 
 inline Side otherSide(Side side) {
@@ -21,4 +22,4 @@ inline QString directionName(Side from) {
     return sideName(from) + QLatin1Char('>') + sideName(otherSide(from));
 }
 
-} // namespace larkspur::tap
+} // namespace larkspur

@@ -1,12 +1,11 @@
-#include "tap/message_names.h"
+#include "records/message_names.h"
 
 #include "protocol/expectation_items.h"
 #include "protocol/frame.h"
 #include "protocol/message_catalogue.h"
 #include "protocol/readable_notation.h"
-#include "records/wire_trace.h"
 
-namespace larkspur::tap {
+namespace larkspur {
 
 namespace {
 
@@ -24,10 +23,12 @@ QString pbxRow(Side from, const QString& type) {
 
 // "voice mail 7 move mailbox mailbox 4001 to 4002": the operation and its fields.
 MessageName vmailName(const QByteArray& frame, Side from) {
-    const QString type = WireTrace::messageType(frame, true);
-    QString description = type;
     const QString body = QString::fromLatin1(frame.mid(1, frame.size() - 3));
-    if (const VmailMessage* message = findVmailMessage(body.left(1))) {
+    const VmailMessage* message = findVmailMessage(body.left(1));
+    const QString type =
+        message ? message->name : QStringLiteral("voice mail ") + toReadable(frame.mid(1, 1));
+    QString description = type;
+    if (message) {
         if (message->hasMailbox)
             description += QStringLiteral(" mailbox ") + shown(body.mid(1, mailboxWidth));
         if (message->extraWidth > 0) {
@@ -84,11 +85,4 @@ QString enqType(Side from) {
     return pbxRow(from, QStringLiteral("ENQ"));
 }
 
-bool checkCharacterRight(const QByteArray& frame) {
-    if (frame.size() < 3 || frame.at(frame.size() - 2) != char(ctl::ETX))
-        return false;
-    return CRC(QString::fromLatin1(frame.mid(1, frame.size() - 2))).at(0).unicode() ==
-           quint8(frame.back());
-}
-
-} // namespace larkspur::tap
+} // namespace larkspur

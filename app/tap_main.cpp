@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     if (!options) {
         std::fprintf(stderr, "larkspur-tap: %s\n%s", qPrintable(error),
                      qPrintable(larkspur::tap::tapUsage()));
-        return larkspur::tap::exitcode::usage;
+        return larkspur::exitcode::usage;
     }
     if (options->help) {
         std::fputs(qPrintable(larkspur::tap::tapHelp()), stdout);

@@ -121,15 +121,16 @@ TakeValues takeText(QString& into, bool mayBeEmpty) {
     };
 }
 
-TakeValues takeSeconds(double& into, double above, double upTo) {
-    return [&into, above, upTo](const QStringList& values) {
+TakeValues takeSeconds(double& into, double low, double high, bool lowAllowed) {
+    return [&into, low, high, lowAllowed](const QStringList& values) {
         bool ok = false;
         const double seconds = values.at(0).toDouble(&ok);
-        if (!ok || !std::isfinite(seconds) || seconds <= above || seconds > upTo)
-            return QStringLiteral("\"%1\" is not a number of seconds above %2 and up to %3")
-                .arg(values.at(0))
-                .arg(above)
-                .arg(upTo);
+        if (!ok || !std::isfinite(seconds) || seconds < low || (seconds == low && !lowAllowed) ||
+            seconds > high)
+            return QStringLiteral("\"%1\" is not a number of seconds %2 %3 and up to %4")
+                .arg(values.at(0), lowAllowed ? QStringLiteral("from") : QStringLiteral("above"))
+                .arg(low)
+                .arg(high);
         into = seconds;
         return QString();
     };
@@ -147,6 +148,22 @@ TakeValues takeWhole(int& into, int low, int high) {
         into = n;
         return QString();
     };
+}
+
+TakeValues takeMode(PmsMode& into) {
+    return takeChoice(into, pmsModeNamed, QStringLiteral("HOTEL or VMAIL"));
+}
+
+TakeValues takeMode(std::optional<PmsMode>& into) {
+    return takeChoice(into, pmsModeNamed, QStringLiteral("HOTEL or VMAIL"));
+}
+
+TakeValues takeProtocol(Protocol& into) {
+    return takeChoice(into, protocolNamed, QStringLiteral("HYATT or HIS"));
+}
+
+TakeValues takeProtocol(std::optional<Protocol>& into) {
+    return takeChoice(into, protocolNamed, QStringLiteral("HYATT or HIS"));
 }
 
 } // namespace larkspur

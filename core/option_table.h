@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/pms_mode.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -56,15 +58,24 @@ private:
 // Takers for the common kinds of value. Each names what it wants when a value will not do.
 TakeValues setFlag(bool& flag);
 TakeValues takeText(QString& into, bool mayBeEmpty = false);
-TakeValues takeSeconds(double& into, double above, double upTo);
+// Seconds from `low` (excluded unless `lowAllowed`) up to `high`; fractions allowed.
+TakeValues takeSeconds(double& into, double low, double high, bool lowAllowed = false);
 TakeValues takeWhole(int& into, int low, int high);
-template <typename T>
-TakeValues takeChoice(std::optional<T>& into, std::optional<T> (*named)(const QString&),
+// One of the names `named` knows ("HOTEL"), into a T or an optional T.
+template <typename Into, typename T>
+TakeValues takeChoice(Into& into, std::optional<T> (*named)(const QString&),
                       const QString& wanted) {
     return [&into, named, wanted](const QStringList& values) {
-        into = named(values.at(0));
-        return into ? QString() : QStringLiteral("\"%1\" is not %2").arg(values.at(0), wanted);
+        const std::optional<T> value = named(values.at(0));
+        if (!value)
+            return QStringLiteral("\"%1\" is not %2").arg(values.at(0), wanted);
+        into = *value;
+        return QString();
     };
 }
+TakeValues takeMode(PmsMode& into);
+TakeValues takeMode(std::optional<PmsMode>& into);
+TakeValues takeProtocol(Protocol& into);
+TakeValues takeProtocol(std::optional<Protocol>& into);
 
 } // namespace larkspur

@@ -25,7 +25,7 @@ void QtSerialTransport::write(const QByteArray& bytes) {
 
 QByteArray QtSerialTransport::readAll() {
     QByteArray bytes = m_port.readAll();
-    if (m_options.nullDiscard)
+    if (m_serial.options.nullDiscard)
         bytes.replace('\0', QByteArray());
     return bytes;
 }
@@ -37,12 +37,8 @@ void QtSerialTransport::close() {
 }
 
 QString QtSerialTransport::applySerialOptions(const SerialOptions& options) {
-    SerialLine line;
-    QString error;
-    if (!parseSerialLine(options.lineSettings, line, error))
+    if (const QString error = m_serial.take(options); !error.isEmpty())
         return error;
-    m_options = options;
-    m_line = line;
     return m_port.isOpen() ? applyToOpenPort() : QString();
 }
 
@@ -74,31 +70,31 @@ QString QtSerialTransport::openPort(const QString& portName) {
 }
 
 QString QtSerialTransport::applyToOpenPort() {
-    if (!m_port.setBaudRate(m_line.baudRate))
+    if (!m_port.setBaudRate(m_serial.line.baudRate))
         return QStringLiteral("speed %1 refused: %2")
-            .arg(m_line.baudRate)
+            .arg(m_serial.line.baudRate)
             .arg(m_port.errorString());
-    if (!m_port.setParity(m_line.parity))
+    if (!m_port.setParity(m_serial.line.parity))
         return QStringLiteral("parity refused: %1").arg(m_port.errorString());
-    if (m_line.dataBits < QSerialPort::Data5 || m_line.dataBits > QSerialPort::Data8)
+    if (m_serial.line.dataBits < QSerialPort::Data5 || m_serial.line.dataBits > QSerialPort::Data8)
         return QStringLiteral("%1 data bits refused: a serial port takes 5 to 8")
-            .arg(m_line.dataBits);
-    if (!m_port.setDataBits(QSerialPort::DataBits(m_line.dataBits)))
+            .arg(m_serial.line.dataBits);
+    if (!m_port.setDataBits(QSerialPort::DataBits(m_serial.line.dataBits)))
         return QStringLiteral("%1 data bits refused: %2")
-            .arg(m_line.dataBits)
+            .arg(m_serial.line.dataBits)
             .arg(m_port.errorString());
 #ifndef Q_OS_WIN
     // Qt sends 1.5 stop bits as 1 outside Windows rather than refusing them.
-    if (m_line.stopBits == QSerialPort::OneAndHalfStop)
+    if (m_serial.line.stopBits == QSerialPort::OneAndHalfStop)
         return QStringLiteral("stop bits refused: only a Windows port takes 1.5");
 #endif
-    if (!m_port.setStopBits(m_line.stopBits))
+    if (!m_port.setStopBits(m_serial.line.stopBits))
         return QStringLiteral("stop bits refused: %1").arg(m_port.errorString());
     // Lines a pty or a bare adapter cannot drive do not stop the link.
     QStringList undriven;
-    if (!m_port.setDataTerminalReady(m_options.dtr) && m_options.dtr)
+    if (!m_port.setDataTerminalReady(m_serial.options.dtr) && m_serial.options.dtr)
         undriven << QStringLiteral("DTR");
-    if (!m_port.setRequestToSend(m_options.rts) && m_options.rts)
+    if (!m_port.setRequestToSend(m_serial.options.rts) && m_serial.options.rts)
         undriven << QStringLiteral("RTS");
     m_port.clearError();
     if (!undriven.isEmpty())

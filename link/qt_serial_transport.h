@@ -31,8 +31,7 @@ private:
     void watchCarrier();
 
     QSerialPort m_port;
-    SerialOptions m_options;
-    SerialLine m_line;
+    SerialSettings m_serial;
     QString m_portName;
     QTimer m_carrierPoll;
     bool m_carrier = false;

@@ -1,10 +1,36 @@
 #include "link/serial_line.h"
 
-#include <cmath>
-
 #include <QStringList>
 
+#include <cmath>
+#include <optional>
+
 namespace larkspur {
+
+namespace {
+template <typename T> struct Named {
+    const char16_t* name;
+    T value;
+};
+const Named<QSerialPort::Parity> parities[] = {
+    {u"N", QSerialPort::NoParity},    {u"E", QSerialPort::EvenParity},
+    {u"O", QSerialPort::OddParity},   {u"M", QSerialPort::MarkParity},
+    {u"S", QSerialPort::SpaceParity},
+};
+const Named<QSerialPort::StopBits> stopBits[] = {
+    {u"1", QSerialPort::OneStop},
+    {u"1.5", QSerialPort::OneAndHalfStop},
+    {u"2", QSerialPort::TwoStop},
+};
+
+template <typename T, size_t n>
+std::optional<T> find(const Named<T> (&table)[n], const QString& name) {
+    for (const Named<T>& entry : table)
+        if (name == entry.name)
+            return entry.value;
+    return std::nullopt;
+}
+} // namespace
 
 bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
     QStringList parts = text.split(QLatin1Char(','));
@@ -24,41 +50,24 @@ bool parseSerialLine(const QString& text, SerialLine& line, QString& error) {
     }
     SerialLine result;
     result.baudRate = baud;
-
-    const QString parity = parts[1].trimmed().toUpper();
-    if (parity == u"N")
-        result.parity = QSerialPort::NoParity;
-    else if (parity == u"E")
-        result.parity = QSerialPort::EvenParity;
-    else if (parity == u"O")
-        result.parity = QSerialPort::OddParity;
-    else if (parity == u"M")
-        result.parity = QSerialPort::MarkParity;
-    else if (parity == u"S")
-        result.parity = QSerialPort::SpaceParity;
-    else {
+    const auto parity = find(parities, parts[1].trimmed().toUpper());
+    if (!parity) {
         error = QStringLiteral("parity \"%1\" is not one of E, M, N, O, S").arg(parts[1]);
         return false;
     }
-
+    result.parity = *parity;
     const int data = parts[2].trimmed().toInt(&ok);
     if (!ok || data < 4 || data > 8) {
         error = QStringLiteral("data bits \"%1\" are not 4 to 8").arg(parts[2]);
         return false;
     }
     result.dataBits = data;
-
-    const QString stop = parts[3].trimmed();
-    if (stop == u"1")
-        result.stopBits = QSerialPort::OneStop;
-    else if (stop == u"1.5")
-        result.stopBits = QSerialPort::OneAndHalfStop;
-    else if (stop == u"2")
-        result.stopBits = QSerialPort::TwoStop;
-    else {
+    const auto stop = find(stopBits, parts[3].trimmed());
+    if (!stop) {
         error = QStringLiteral("stop bits \"%1\" are not 1, 1.5 or 2").arg(parts[3]);
         return false;
     }
+    result.stopBits = *stop;
     line = result;
     return true;
 }
@@ -78,6 +87,26 @@ int frameGapMs(int givenMs, bool tcp, const QString& lineSettings) {
                                                                        : 2.0;
     const double bits = 1.0 + line.dataBits + (line.parity == QSerialPort::NoParity ? 0 : 1) + stop;
     return qMax(floorMs, int(std::ceil(characters * bits * 1000.0 / double(line.baudRate))));
+}
+
+QString SerialSettings::take(const SerialOptions& given) {
+    QString error;
+    if (!parseSerialLine(given.lineSettings, line, error))
+        return error;
+    options = given;
+    return QString();
+}
+
+TakeValues takeSerialLine(QString& into) {
+    return [&into](const QStringList& values) {
+        SerialLine line;
+        QString why;
+        if (values.at(0).split(u',').size() != 4 || !parseSerialLine(values.at(0), line, why))
+            return QStringLiteral("wants SPEED,PARITY,DATA,STOP, not \"%1\"%2")
+                .arg(values.at(0), why.isEmpty() ? QString() : QStringLiteral(": ") + why);
+        into = values.at(0);
+        return QString();
+    };
 }
 
 QString serialDeviceName(const QString& commPortNumber) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/option_table.h"
+#include "link/transport.h"
+
 #include <QSerialPort>
 #include <QString>
 
@@ -21,6 +24,17 @@ bool parseSerialLine(const QString& text, SerialLine& line, QString& error);
 // `givenMs` when it is set (above 0); otherwise, on a serial line of `lineSettings`, the longer of
 // 100 ms and 20 character times, and 100 ms over TCP.
 int frameGapMs(int givenMs, bool tcp, const QString& lineSettings);
+
+// The options a serial port was last given, and the line they name.
+struct SerialSettings {
+    SerialOptions options;
+    SerialLine line;
+    // Takes `given` when its line settings read; why they do not otherwise.
+    QString take(const SerialOptions& given);
+};
+
+// Takes an option's "speed,parity,data,stop" whole, as parseSerialLine reads it.
+TakeValues takeSerialLine(QString& into);
 
 // A port number N is the platform's Nth port; any other text is a device name or path.
 QString serialDeviceName(const QString& commPortNumber);

@@ -27,7 +27,7 @@ SerialTransport::SerialTransport(QObject* parent) : FdTransport(parent) {
 
 QByteArray SerialTransport::readAll() {
     QByteArray bytes = FdTransport::readAll();
-    if (m_options.nullDiscard)
+    if (m_serial.options.nullDiscard)
         bytes.replace('\0', QByteArray());
     return bytes;
 }
@@ -38,12 +38,8 @@ void SerialTransport::close() {
 }
 
 QString SerialTransport::applySerialOptions(const SerialOptions& options) {
-    SerialLine line;
-    QString error;
-    if (!parseSerialLine(options.lineSettings, line, error))
+    if (const QString error = m_serial.take(options); !error.isEmpty())
         return error;
-    m_options = options;
-    m_line = line;
     return isOpen() ? applyToOpenPort() : QString();
 }
 
@@ -70,14 +66,14 @@ QString SerialTransport::openPort(const QString& portName) {
 }
 
 QString SerialTransport::applyToOpenPort() {
-    const QString refused = applyTtyLine(descriptor(), m_line);
+    const QString refused = applyTtyLine(descriptor(), m_serial.line);
     if (!refused.isEmpty())
         return refused;
     // Lines a pty or a bare adapter cannot drive do not stop the link.
     QStringList undriven;
-    if (!setModemLine(descriptor(), TIOCM_DTR, m_options.dtr) && m_options.dtr)
+    if (!setModemLine(descriptor(), TIOCM_DTR, m_serial.options.dtr) && m_serial.options.dtr)
         undriven << QStringLiteral("DTR");
-    if (!setModemLine(descriptor(), TIOCM_RTS, m_options.rts) && m_options.rts)
+    if (!setModemLine(descriptor(), TIOCM_RTS, m_serial.options.rts) && m_serial.options.rts)
         undriven << QStringLiteral("RTS");
     if (!undriven.isEmpty())
         Q_EMIT warning(QStringLiteral("%1 cannot be set on %2")

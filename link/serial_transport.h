@@ -26,8 +26,7 @@ private:
     QString applyToOpenPort();
     void watchCarrier();
 
-    SerialOptions m_options;
-    SerialLine m_line;
+    SerialSettings m_serial;
     QString m_portName;
     QTimer m_carrierPoll;
     bool m_carrier = false;

@@ -57,8 +57,8 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
         s.useTcp = false;
         s.commPortNumber = *o.serialPort;
     }
-    if (o.line) {
-        const QStringList parts = o.line->split(QLatin1Char(','));
+    if (!o.line.isEmpty()) {
+        const QStringList parts = o.line.split(QLatin1Char(','));
         s.speed = parts[0];
         s.parity = parts[1];
         s.dataBits = parts[2];

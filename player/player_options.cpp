@@ -61,15 +61,7 @@ OptionTable playerTable(PlayerOptions& o) {
             {"--line",
              {"SPEED,PARITY,DATA,STOP"},
              "the serial line, such as 9600,N,8,1",
-             [&o](const QStringList& v) {
-                 SerialLine line;
-                 QString why;
-                 if (v.at(0).split(u',').size() != 4 || !parseSerialLine(v.at(0), line, why))
-                     return QStringLiteral("wants SPEED,PARITY,DATA,STOP, not \"%1\"%2")
-                         .arg(v.at(0), why.isEmpty() ? QString() : QStringLiteral(": ") + why);
-                 o.line = v.at(0);
-                 return QString();
-             }},
+             takeSerialLine(o.line)},
             {"--dtr", {}, "raise DTR on the serial line", setFlag(o.dtr)},
             {"--rts", {}, "raise RTS on the serial line", setFlag(o.rts)},
             {"--null-discard",
@@ -79,11 +71,11 @@ OptionTable playerTable(PlayerOptions& o) {
             {"--mode",
              {"HOTEL|VMAIL"},
              "the mode the link is tested in (default: the one the script's first line names)",
-             takeChoice(o.mode, pmsModeNamed, QStringLiteral("HOTEL or VMAIL"))},
+             takeMode(o.mode)},
             {"--protocol",
              {"HYATT|HIS"},
              "the voice-mail protocol (default: the script's)",
-             takeChoice(o.protocol, protocolNamed, QStringLiteral("HYATT or HIS"))},
+             takeProtocol(o.protocol)},
             {"--error-mode",
              {},
              "send the fields as the script has them, unchecked",

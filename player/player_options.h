@@ -16,7 +16,7 @@ struct PlayerOptions {
     std::optional<QString> tcpHost;
     std::optional<QString> tcpPort;
     std::optional<QString> serialPort;
-    std::optional<QString> line; // SPEED,PARITY,DATA,STOP
+    QString line; // SPEED,PARITY,DATA,STOP; empty: none given
     bool dtr = false;
     bool rts = false;
     bool nullDiscard = false;

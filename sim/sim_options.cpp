@@ -96,7 +96,7 @@ TakeValues answers(QList<Answer>& first, Answer& then) {
 }
 
 TakeValues takeSecondsFrom0(double& into) {
-    return [&into](const QStringList& values) { return seconds(values.at(0), into); };
+    return takeSeconds(into, 0, maxSeconds, true);
 }
 
 // The options, writing into `o`; `listenGiven` learns whether --listen came.
@@ -125,13 +125,7 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
             {"--mode",
              {"HOTEL|VMAIL"},
              "VMAIL frames carry a check character after the ETX (default HOTEL)",
-             [&o](const QStringList& v) {
-                 const std::optional<Mode> mode = pmsModeNamed(v.at(0));
-                 if (mode)
-                     o.mode = *mode;
-                 return mode ? QString()
-                             : QStringLiteral("\"%1\" is not HOTEL or VMAIL").arg(v.at(0));
-             }},
+             takeMode(o.mode)},
             {"--on-enq",
              {"ANSWERS"},
              "answer to a bare ENQ: ack, nak or silent (default ack); a list such as\n"

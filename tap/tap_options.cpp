@@ -65,35 +65,15 @@ OptionTable tapTable(TapOptions& o) {
             {"--line",
              {"SPEED,PARITY,DATA,STOP"},
              "the serial ports' line (default 9600,N,8,1)",
-             [&o](const QStringList& v) {
-                 SerialLine line;
-                 QString why;
-                 if (v.at(0).split(u',').size() != 4 || !parseSerialLine(v.at(0), line, why))
-                     return QStringLiteral("wants SPEED,PARITY,DATA,STOP, not \"%1\"%2")
-                         .arg(v.at(0), why.isEmpty() ? QString() : QStringLiteral(": ") + why);
-                 o.line = v.at(0);
-                 return QString();
-             }},
+             takeSerialLine(o.line)},
             {"--mode",
              {"HOTEL|VMAIL"},
              "hotel frames, or voice-mail frames with a check character (default HOTEL)",
-             [&o](const QStringList& v) {
-                 const auto mode = pmsModeNamed(v.at(0));
-                 if (mode)
-                     o.mode = *mode;
-                 return mode ? QString()
-                             : QStringLiteral("\"%1\" is not HOTEL or VMAIL").arg(v.at(0));
-             }},
+             takeMode(o.mode)},
             {"--protocol",
              {"HYATT|HIS"},
              "the voice-mail protocol a learned script names (default HYATT)",
-             [&o](const QStringList& v) {
-                 const auto protocol = protocolNamed(v.at(0));
-                 if (protocol)
-                     o.protocol = *protocol;
-                 return protocol ? QString()
-                                 : QStringLiteral("\"%1\" is not HYATT or HIS").arg(v.at(0));
-             }},
+             takeProtocol(o.protocol)},
             {"--frame-gap",
              {"MS"},
              "how long a line must be silent before a frame whose end never came is\n"

@@ -162,7 +162,7 @@ int runTap(const TapOptions& o) {
     analysis.finish(pump.currentDateTime(), pump.monotonicSeconds());
     closeTheTrace(trace, pump.currentDateTime(), statistics, backlog, learner.get(), o.learn);
     const bool traceWhole = trace.finish();
-    return traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::outputFailed;
+    return traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::reportsUnwritten;
 }
 
 } // namespace larkspur::tap

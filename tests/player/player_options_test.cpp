@@ -36,7 +36,7 @@ TEST(PlayerOptions, ReadsEveryOption) {
     ASSERT_TRUE(o) << error;
     EXPECT_EQ(*o->tcpHost, "pbx.lab");
     EXPECT_EQ(*o->tcpPort, "2001");
-    EXPECT_EQ(*o->line, "9600,E,7,1");
+    EXPECT_EQ(o->line, "9600,E,7,1");
     EXPECT_TRUE(o->dtr && o->rts && o->nullDiscard && o->errorMode && o->continuous &&
                 o->noSettings);
     EXPECT_EQ(*o->mode, PmsMode::Vmail);

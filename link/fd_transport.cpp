@@ -31,16 +31,12 @@ void FdTransport::attach(int fd, Kind kind) {
     close();
     m_fd = fd;
     m_kind = kind;
-    m_readable = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
-    connect(m_readable.get(), &QSocketNotifier::activated, this, &FdTransport::readPending);
-    m_writable = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Write);
-    m_writable->setEnabled(false);
-    connect(m_writable.get(), &QSocketNotifier::activated, this, &FdTransport::writePending);
+    m_watch.watch(
+        fd, this, [this] { readPending(); }, [this] { writePending(); });
 }
 
 void FdTransport::close() {
-    m_readable.reset();
-    m_writable.reset();
+    m_watch.stop();
     if (m_fd >= 0)
         ::close(m_fd);
     m_fd = -1;
@@ -101,7 +97,7 @@ void FdTransport::write(const QByteArray& bytes) {
     if (n < 0 || n == bytes.size())
         return;
     m_unsent = bytes.mid(n);
-    m_writable->setEnabled(true);
+    m_watch.setWriting(true);
 }
 
 void FdTransport::writePending() {
@@ -111,14 +107,14 @@ void FdTransport::writePending() {
     if (m_unsentFrom == m_unsent.size()) {
         m_unsent.clear();
         m_unsentFrom = 0;
-        m_writable->setEnabled(false);
+        m_watch.setWriting(false);
         Q_EMIT drained();
     }
 }
 
 void FdTransport::pauseReading(bool paused) {
-    if (m_readable)
-        m_readable->setEnabled(!paused);
+    if (m_watch.watching())
+        m_watch.setReading(!paused);
 }
 
 void FdTransport::lose(int error) {

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "core/descriptor_watch.h"
 #include "link/transport.h"
 
 #include <memory>
-
-class QSocketNotifier;
 
 namespace larkspur {
 
@@ -53,8 +52,7 @@ private:
 
     int m_fd = -1;
     Kind m_kind = Kind::Socket;
-    std::unique_ptr<QSocketNotifier> m_readable;
-    std::unique_ptr<QSocketNotifier> m_writable;
+    DescriptorWatch m_watch;
     QByteArray m_received;
     // Bytes the descriptor has not taken yet; those before m_unsentFrom have left.
     QByteArray m_unsent;

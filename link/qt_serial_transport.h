@@ -16,14 +16,14 @@ class QtSerialTransport : public Transport {
 public:
     explicit QtSerialTransport(QObject* parent = nullptr);
 
-    bool isOpen() const override { return m_port.isOpen(); }
-    void write(const QByteArray& bytes) override;
-    QByteArray readAll() override;
-    // A close asked for by the console is not a loss of the link.
-    void close() override;
+    QString describe() const override;
     QString applySerialOptions(const SerialOptions& options) override;
     QString openPort(const QString& portName) override;
-    QString describe() const override;
+    bool isOpen() const override { return m_port.isOpen(); }
+    // A close asked for by the console is not a loss of the link.
+    void close() override;
+    void write(const QByteArray& bytes) override;
+    QByteArray readAll() override;
 
 private:
     QString applyToOpenPort();

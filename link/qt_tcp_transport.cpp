@@ -3,9 +3,9 @@
 namespace larkspur {
 
 QtTcpTransport::QtTcpTransport(QObject* parent) : Transport(parent) {
-    connect(&m_socket, &QTcpSocket::connected, this, &QtTcpTransport::onConnected);
-    connect(&m_socket, &QTcpSocket::disconnected, this, &QtTcpTransport::onDisconnected);
-    connect(&m_socket, &QTcpSocket::readyRead, this, &Transport::dataReceived);
+    connect(&m_dialer.socket, &QTcpSocket::connected, this, &QtTcpTransport::onConnected);
+    connect(&m_dialer.socket, &QTcpSocket::disconnected, this, &QtTcpTransport::onDisconnected);
+    connect(&m_dialer.socket, &QTcpSocket::readyRead, this, &Transport::dataReceived);
 }
 
 bool QtTcpTransport::isOpen() const {
@@ -14,7 +14,7 @@ bool QtTcpTransport::isOpen() const {
 
 void QtTcpTransport::onConnected() {
     // Every message is a handful of bytes that must leave at once.
-    m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_dialer.socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_open = true;
 }
 
@@ -28,30 +28,25 @@ void QtTcpTransport::onDisconnected() {
 void QtTcpTransport::write(const QByteArray& bytes) {
     if (!m_open || bytes.isEmpty())
         return;
-    m_socket.write(bytes);
-    m_socket.flush();
+    m_dialer.socket.write(bytes);
+    m_dialer.socket.flush();
 }
 
 QByteArray QtTcpTransport::readAll() {
-    return m_socket.readAll();
+    return m_dialer.socket.readAll();
 }
 
 void QtTcpTransport::close() {
     m_open = false;
-    m_socket.abort();
+    m_dialer.socket.abort();
 }
 
 void QtTcpTransport::connectToHost(const QString& host, quint16 port) {
-    // Asked again each second by the connect loop: only a refused attempt is repeated.
-    if (m_open || m_socket.state() != QAbstractSocket::UnconnectedState)
-        return;
-    m_host = host;
-    m_port = port;
-    m_socket.connectToHost(host, port);
+    m_dialer.dial(host, port, isOpen());
 }
 
 QString QtTcpTransport::describe() const {
-    return QStringLiteral("TCP %1:%2").arg(m_host).arg(m_port);
+    return m_dialer.describe();
 }
 
 } // namespace larkspur

@@ -2,6 +2,8 @@
 
 #include "link/transport.h"
 
+#include "link/tcp_dialer.h"
+
 #include <QTcpSocket>
 
 namespace larkspur {
@@ -14,21 +16,19 @@ class QtTcpTransport : public Transport {
 public:
     explicit QtTcpTransport(QObject* parent = nullptr);
 
+    void connectToHost(const QString& host, quint16 port) override;
     bool isOpen() const override;
     void write(const QByteArray& bytes) override;
     QByteArray readAll() override;
     // A close asked for by the console is not a loss of the link.
     void close() override;
-    void connectToHost(const QString& host, quint16 port) override;
     QString describe() const override;
 
 private:
     void onConnected();
     void onDisconnected();
 
-    QTcpSocket m_socket;
-    QString m_host;
-    quint16 m_port = 0;
+    TcpDialer m_dialer;
     // Connected and not closed by the console: a disconnection now is the PBX's doing.
     bool m_open = false;
 };

@@ -24,32 +24,27 @@ int takeDescriptor(QTcpSocket& socket) {
 
 TcpTransport::TcpTransport(QObject* parent) : FdTransport(parent) {
     // Direct, so the descriptor changes hands before the socket has read a byte from it.
-    connect(&m_connector, &QTcpSocket::connected, this, &TcpTransport::takeOver);
+    connect(&m_dialer.socket, &QTcpSocket::connected, this, &TcpTransport::takeOver);
 }
 
 void TcpTransport::takeOver() {
-    const int fd = takeDescriptor(m_connector);
+    const int fd = takeDescriptor(m_dialer.socket);
     if (fd < 0)
         return; // as if refused: the connect loop asks again
     attach(fd, Kind::Socket);
 }
 
 void TcpTransport::close() {
-    m_connector.abort();
+    m_dialer.socket.abort();
     FdTransport::close();
 }
 
 void TcpTransport::connectToHost(const QString& host, quint16 port) {
-    // Asked again each second by the connect loop: only a refused attempt is repeated.
-    if (isOpen() || m_connector.state() != QAbstractSocket::UnconnectedState)
-        return;
-    m_host = host;
-    m_port = port;
-    m_connector.connectToHost(host, port);
+    m_dialer.dial(host, port, isOpen());
 }
 
 QString TcpTransport::describe() const {
-    return QStringLiteral("TCP %1:%2").arg(m_host).arg(m_port);
+    return m_dialer.describe();
 }
 
 QString TcpTransport::lossReason(int) const {

@@ -2,6 +2,8 @@
 
 #include "link/fd_transport.h"
 
+#include "link/tcp_dialer.h"
+
 #include <QTcpSocket>
 
 namespace larkspur {
@@ -31,9 +33,7 @@ protected:
 private:
     void takeOver();
 
-    QTcpSocket m_connector;
-    QString m_host;
-    quint16 m_port = 0;
+    TcpDialer m_dialer;
 };
 
 } // namespace larkspur

@@ -15,25 +15,23 @@ int ExpectationItem::roomOffset() const {
 const QList<ExpectationItem>& expectationItems() {
     // A control item is met by the control the receiver names; the others by the message with
     // the room of the first room field. "alt" records differently for the two waits.
-    static const QList<ExpectationItem> items = {
-        {"ack", {}, "ack", "ack"},
-        {"nak", {}, "nak", "nak"},
-        {"enq", {}, "enq", "enq"},
-        {"rti", {}, "rti", "rti"},
-        {"mr", "MR 0001", "MR 0001", "MR 0001"},
-        {"mw1", "MW 1 ", "MW 1 ", "MW 1 "},
-        {"mw0", "MW 0 ", "MW 0 ", "MW 0 "},
-        {"sts1", "STS1 ", "STS1 ", "STS1 "},
-        {"sts2", "STS2 ", "STS2 ", "STS2 "},
-        {"sts3", "STS3 ", "STS3 ", "STS3 "},
-        {"sts4", "STS4 ", "STS4 ", "STS4 "},
-        {"sts5", "STS5 ", "STS5 ", "STS5 "},
-        {"sts6", "STS6 ", "STS6 ", "STS6 "},
-        {"sts7", "STS7 ", "STS7 ", "STS7 "},
-        {"sts8", "STS8 ", "STS8 ", "STS8 "},
-        {"sts9", "STS9 ", "STS9 ", "STS9 "},
-        {"alt", "ALT1 ", "ALT ", "ATL "},
-    };
+    static const QList<ExpectationItem> items = [] {
+        QList<ExpectationItem> list = {
+            {"ack", {}, "ack", "ack"},
+            {"nak", {}, "nak", "nak"},
+            {"enq", {}, "enq", "enq"},
+            {"rti", {}, "rti", "rti"},
+            {"mr", "MR 0001", "MR 0001", "MR 0001"},
+            {"mw1", "MW 1 ", "MW 1 ", "MW 1 "},
+            {"mw0", "MW 0 ", "MW 0 ", "MW 0 "},
+        };
+        for (char digit = '1'; digit <= '9'; ++digit) {
+            const QString text = QStringLiteral("STS%1 ").arg(QLatin1Char(digit));
+            list.append({QStringLiteral("sts%1").arg(QLatin1Char(digit)), text, text, text});
+        }
+        list.append({"alt", "ALT1 ", "ALT ", "ATL "});
+        return list;
+    }();
     return items;
 }
 

@@ -35,8 +35,7 @@ std::unique_ptr<PseudoTerminal> openPseudoTerminal(const QString& link, QString*
 PtyPeer::PtyPeer(QObject* parent) : PseudoTerminal(parent) {}
 
 PtyPeer::~PtyPeer() {
-    m_readable.reset();
-    m_writable.reset();
+    m_watch.stop();
     if (!m_link.isEmpty()) {
         // Only our own link: someone may have pointed it elsewhere since.
         const QByteArray target = QFile::encodeName(m_slavePath);
@@ -85,11 +84,8 @@ bool PtyPeer::open(const QString& link, QString* error) {
         m_link = link;
     }
 
-    m_readable = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Read);
-    connect(m_readable.get(), &QSocketNotifier::activated, this, &PtyPeer::readMaster);
-    m_writable = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Write);
-    m_writable->setEnabled(false);
-    connect(m_writable.get(), &QSocketNotifier::activated, this, &PtyPeer::writePending);
+    m_watch.watch(
+        m_master, this, [this] { readMaster(); }, [this] { writePending(); });
     return true;
 }
 
@@ -101,7 +97,7 @@ bool PtyPeer::write(const QByteArray& bytes) {
             // A serial console cannot be sent away: what it does not read is thrown away.
             Q_EMIT stalled(m_pending.size() + bytes.size());
             m_pending.clear();
-            m_writable->setEnabled(false);
+            m_watch.setWriting(false);
             return false;
         }
         m_pending += bytes; // behind what is already waiting, to keep the order
@@ -115,7 +111,7 @@ bool PtyPeer::write(const QByteArray& bytes) {
     }
     if (n < bytes.size()) {
         m_pending = bytes.mid(n);
-        m_writable->setEnabled(true);
+        m_watch.setWriting(true);
     }
     return true;
 }
@@ -129,7 +125,7 @@ void PtyPeer::readMaster() {
         // Cannot happen while we hold the slave; if it does, stop rather than spin.
         qWarning("larkspur-pbxsim: reading the pseudo-terminal failed: %s",
                  qPrintable(systemError()));
-        m_readable->setEnabled(false);
+        m_watch.setReading(false);
     }
 }
 
@@ -142,7 +138,7 @@ void PtyPeer::writePending() {
                  qPrintable(systemError()));
         m_pending.clear();
     }
-    m_writable->setEnabled(!m_pending.isEmpty());
+    m_watch.setWriting(!m_pending.isEmpty());
 }
 
 } // namespace larkspur::sim

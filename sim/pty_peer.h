@@ -1,12 +1,11 @@
 #pragma once
 
+#include "core/descriptor_watch.h"
 #include "sim/pseudo_terminal.h"
 
 #include <QString>
 
 #include <memory>
-
-class QSocketNotifier;
 
 namespace larkspur::sim {
 
@@ -37,8 +36,7 @@ private:
     QString m_slavePath;
     QString m_link;
     QByteArray m_pending; // what the console has not taken yet
-    std::unique_ptr<QSocketNotifier> m_readable;
-    std::unique_ptr<QSocketNotifier> m_writable;
+    DescriptorWatch m_watch;
 };
 
 } // namespace larkspur::sim

@@ -83,6 +83,17 @@ QString message(const QString& text, bool framed, QByteArray& into) {
     return why.isEmpty() ? QString() : QStringLiteral("\"%1\": %2").arg(text, why);
 }
 
+// Appends `item` when none of the `reasons` its values gave is a reason to refuse it; the first
+// reason otherwise.
+template <typename T>
+QString appendWhole(QList<T>& list, const T& item, std::initializer_list<QString> reasons) {
+    for (const QString& why : reasons)
+        if (!why.isEmpty())
+            return why;
+    list.append(item);
+    return QString();
+}
+
 TakeValues answers(QList<Answer>& first, Answer& then) {
     return [&first, &then](const QStringList& values) {
         QString wrong;
@@ -165,12 +176,8 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
              "connected when it is opened)",
              [&o](const QStringList& v) {
                  TimedMessage at;
-                 QString why = seconds(v.at(0), at.seconds);
-                 if (why.isEmpty())
-                     why = message(v.at(1), true, at.bytes);
-                 if (why.isEmpty())
-                     o.at.append(at);
-                 return why;
+                 return appendWhole(
+                     o.at, at, {seconds(v.at(0), at.seconds), message(v.at(1), true, at.bytes)});
              },
              false,
              true},
@@ -180,14 +187,10 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
              "starts with MATCH",
              [&o](const QStringList& v) {
                  FollowUp after;
-                 QString why = message(v.at(0), false, after.match);
-                 if (why.isEmpty())
-                     why = seconds(v.at(1), after.seconds);
-                 if (why.isEmpty())
-                     why = message(v.at(2), true, after.bytes);
-                 if (why.isEmpty())
-                     o.after.append(after);
-                 return why;
+                 return appendWhole(o.after, after,
+                                    {message(v.at(0), false, after.match),
+                                     seconds(v.at(1), after.seconds),
+                                     message(v.at(2), true, after.bytes)});
              },
              false,
              true},

@@ -16,7 +16,6 @@
 #include "script/script_file.h"
 #include "script/script_reader.h"
 #include "transactions/session.h"
-#include "transactions/session_buttons.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -53,9 +52,13 @@ const Command<Session> menuCommands[] = {
 } // namespace
 
 void MainWindow::wireCommands() {
-    for (const SessionButton& button : sessionButtons())
-        onClick(controlName(button.control).toLatin1().constData(),
-                [this, operation = button.operation] { (m_session.*operation)(); });
+    for (const QList<Control>* buttons : {&transactionButtons(), &linkedSuiteButtons()})
+        for (const Control button : *buttons)
+            onClick(controlName(button).toLatin1().constData(),
+                    [this, button] { m_session.press(button); });
+    onClick("cmd_ste_explain", [this] { m_session.cmd_ste_explain(); });
+    onClick("cmd_disconnect", [this] { m_session.cmd_disconnect(); });
+    onClick("cmd_clear", [this] { m_session.cmd_clear(); });
     for (const auto& [name, command] : linkButtons)
         onClick(name, [this, command = command] { command(m_session.link); });
     for (const auto& [name, command] : scriptButtons)
@@ -78,10 +81,7 @@ void MainWindow::wireCommands() {
     onCheck("chk_NullDiscard", [this](bool on) { m_session.link.settings().nullDiscard = on; });
     onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
 
-    onChoose("cmb_restrict", [this](const QString& item) {
-        m_session.chooseRestriction(item);
-        m_session.cmb_restrict_Click();
-    });
+    onChoose("cmb_restrict", [this](const QString& item) { m_session.cmb_restrict_Click(item); });
     onChoose("cmb_wait", [this](const QString& item) { m_engine.cmb_wait_Click(item); });
     onChoose("cmb_notify", [this](const QString& item) { m_engine.cmb_notify_Click(item); });
 

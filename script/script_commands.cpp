@@ -1,16 +1,13 @@
 #include "script/script_commands.h"
 
 #include "transactions/session.h"
-#include "transactions/session_buttons.h"
 
 namespace larkspur {
 
 namespace {
 
 std::function<void(Session&)> press(Control button) {
-    const SessionOperation operation = sessionOperation(button);
-    Q_ASSERT(operation);
-    return [operation](Session& s) { (s.*operation)(); };
+    return [button](Session& s) { s.press(button); };
 }
 
 // Every line the runner replays, from the message catalogue. A voice-mail line is the frame,

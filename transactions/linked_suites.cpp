@@ -104,40 +104,6 @@ void Session::send_linked_suite(const QString& word) {
     press.finish();
 }
 
-void Session::cmd_ste0() {
-    send_linked_suite(QStringLiteral("STE0"));
-}
-void Session::cmd_ste1() {
-    send_linked_suite(QStringLiteral("STE1"));
-}
-void Session::cmd_ste2() {
-    send_linked_suite(QStringLiteral("STE2"));
-}
-void Session::cmd_ste3() {
-    send_linked_suite(QStringLiteral("STE3"));
-}
-void Session::cmd_ste4() {
-    send_linked_suite(QStringLiteral("STE4"));
-}
-void Session::cmd_ste5() {
-    send_linked_suite(QStringLiteral("STE5"));
-}
-void Session::cmd_ste6() {
-    send_linked_suite(QStringLiteral("STE6"));
-}
-void Session::cmd_ste7() {
-    send_linked_suite(QStringLiteral("STE7"));
-}
-void Session::cmd_ste8() {
-    send_linked_suite(QStringLiteral("STE8"));
-}
-void Session::cmd_steA() {
-    send_linked_suite(QStringLiteral("STEA"));
-}
-void Session::cmd_steB() {
-    send_linked_suite(QStringLiteral("STEB"));
-}
-
 void Session::cmd_ste_explain() {
     static const char* const rows[] = {
         "0 Create Linked Suite, Check In, No STS",

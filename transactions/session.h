@@ -49,46 +49,15 @@ public:
     const QString& lastVmailMessage() const { return m_lastVmailMessage; }
     void keepVmailMessage(const QString& frame) { m_lastVmailMessage = frame; }
 
-    // Guest check-in and check-out.
-    void cmd_chk_in();
-    void cmd_chk_out();
-    // Guest names.
-    void cmd_name_1();
-    void cmd_replace_name();
-    void Command6();
-    void cmd_xfer_name();
-    // Message waiting, credit, wake-up, restriction.
-    void cmd_msg_wait();
-    void cmd_message_waiting_0();
-    void cmd_set_credit();
-    void cmd_wakeup();
-    // The restriction list: the text chosen, then the level it names is sent.
-    void chooseRestriction(const QString& item) { m_cmb_restrict = item; }
-    const QString& cmb_restrict() const { return m_cmb_restrict; }
-    void cmb_restrict_Click();
+    // Presses a transaction button (cmd_chk_in ... cmd_location_3, cmd_ste0 ... cmd_steB), as the
+    // operator or the script runner does; any other control does nothing here.
+    void press(Control button);
+    // The restriction list: the level the chosen text names is sent.
+    void cmb_restrict_Click(const QString& item);
     void send_station_restriction(const QString& level);
-    // Departments and locations.
-    void cmd_dept();
-    void cmd_department_2();
-    void cmd_department_3();
-    void cmd_loc();
-    void cmd_location_2();
-    void cmd_location_3();
-    // Linked suites.
-    void cmd_ste0();
-    void cmd_ste1();
-    void cmd_ste2();
-    void cmd_ste3();
-    void cmd_ste4();
-    void cmd_ste5();
-    void cmd_ste6();
-    void cmd_ste7();
-    void cmd_ste8();
-    void cmd_steA();
-    void cmd_steB();
-    void cmd_ste_explain();
     // Sends the linked-suite message of `word`, "STE0" .. "STEB".
     void send_linked_suite(const QString& word);
+    void cmd_ste_explain();
 
     // Tells how one message of a transaction ended; true when the PBX took it.
     bool reportSent(SendResult result, const QString& message);
@@ -132,7 +101,6 @@ private:
     bool m_errorMode = false;
     bool m_stopScript = false;
     QString m_lastVmailMessage;
-    QString m_cmb_restrict;
 };
 
 } // namespace larkspur

@@ -76,16 +76,13 @@ void pressVmail(const QString& code, const PressInput& input, PressSteps& steps)
     steps.send(out);
 }
 
-bool inVmailMode(const Session& session) {
-    return session.link.pmsMode() != PmsMode::Hotel;
-}
-
-void send_vmail_operation(Session& session, VmailOperation operation) {
-    const bool mailboxCheckIn = operation == VmailOperation::CheckIn;
+void send_vmail_operation(Session& session, const QString& code) {
+    // The mailbox check-in alone has no guard.
+    const bool mailboxCheckIn = code == u"2";
     if (!mailboxCheckIn && session.link.waitingForAck())
         return;
     VmailPress press(session, mailboxCheckIn);
-    pressVmail(QString(QLatin1Char(char(operation))), sessionInput(session), press);
+    pressVmail(code, sessionInput(session), press);
     press.finish();
 }
 

@@ -10,7 +10,7 @@
 namespace larkspur::test {
 
 using FieldTexts = QList<std::pair<Field, QString>>;
-using Action = void (Session::*)();
+using Action = Control;
 
 // A session in virtual time with a simulated PBX behind its TCP link, open, in HOTEL mode and
 // recording.
@@ -42,9 +42,17 @@ protected:
         for (const auto& [field, text] : texts)
             session.fields.setText(field, text);
     }
+    // The restriction list's choice, sent when cmb_restrict is clicked.
+    QString chosenRestriction = QStringLiteral("long distant call");
+    void press(Action action) {
+        if (action == Control::cmb_restrict)
+            session.cmb_restrict_Click(chosenRestriction);
+        else
+            session.press(action);
+    }
     void click(const FieldTexts& texts, Action action) {
         type(texts);
-        (session.*action)();
+        press(action);
     }
 
     QStringList lines() const {

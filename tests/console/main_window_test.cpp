@@ -257,7 +257,7 @@ TEST_F(MainWindowTest, ButtonsReachTheSession) {
     auto* restrict = find<QComboBox>("cmb_restrict");
     for (int i = 0; i < 3; ++i)
         QTest::keyClick(restrict, Qt::Key_Down);
-    EXPECT_EQ(session.cmb_restrict(), "long distant call");
+    EXPECT_EQ(restrict->currentText(), "long distant call");
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "RST2   101\x03")));
 }

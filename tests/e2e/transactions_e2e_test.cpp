@@ -33,10 +33,10 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     connectTo(sim);
     session.fields.setText(Field::txt_suite_1, "101");
-    session.cmd_chk_in();
+    session.press(Control::cmd_chk_in);
     session.fields.setText(Field::Text1, "Smith");
-    session.cmd_name_1();
-    session.cmd_chk_out();
+    session.press(Control::cmd_name_1);
+    session.press(Control::cmd_chk_out);
     const QStringList expected = {
         "RX <ENQ>",
         "TX <ACK>", // connection test
@@ -65,7 +65,7 @@ TEST_F(TransactionsEndToEnd, VoiceMailCheckIn) {
     session.link.setMode(session.link.pmsMode(), Protocol::His);
     connectTo(sim);
     session.fields.setText(Field::txt_ls_pilot, "4001");
-    session.cmd_chk_in();
+    session.press(Control::cmd_chk_in);
     ASSERT_TRUE(sim.waitForTraceLines(4));
     // Body "24001  ", then ETX and the check character 0x34 ("4").
     EXPECT_EQ(sim.traceLines(),

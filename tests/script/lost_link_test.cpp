@@ -16,7 +16,7 @@ TEST_F(LostLink, EndsATransactionWhereItStands) {
     pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 2500);
     QSignalSpy ended(&session, &Session::transactionEnded);
-    click({{Field::txt_suite_1, "101"}, {Field::txt_suite_2, "102"}}, &Session::cmd_chk_in);
+    click({{Field::txt_suite_1, "101"}, {Field::txt_suite_2, "102"}}, Control::cmd_chk_in);
     EXPECT_LT(pump.elapsedMs(), 3000) << "not five sends of five seconds each";
     EXPECT_EQ(lines(),
               QStringList({"Sending -->    ENQ", "Received--> ACK", "Sending     -->CHK1   101"}));
@@ -57,7 +57,7 @@ TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
     pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 500);
     pump.schedule(600, [&] { pump.requestStop(); }); // as larkspur-run does on a lost link
-    click({{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
+    click({{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_out);
     EXPECT_LT(pump.elapsedMs(), 1000);
     EXPECT_FALSE(lines().contains("DID NOT RECEIVE ACK FROM PBX!"));
     EXPECT_TRUE(session.recorder.scriptText().isEmpty());

@@ -67,25 +67,24 @@ TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
     // Every hotel transaction but Transfer Name, whose replayed line fills the target room into
     // both room fields and so sends one frame more than was recorded.
     session.recorder.start(QString());
-    click({{Field::txt_suite_1, "101"}}, &Session::cmd_chk_in);
-    click({}, &Session::cmd_chk_out);
-    click({{Field::Text1, "Smith"}}, &Session::cmd_name_1);
-    click({}, &Session::cmd_replace_name);
-    click({}, &Session::Command6);
-    click({{Field::txt_time, "0730"}}, &Session::cmd_wakeup);
-    click({{Field::txt_credit, "500"}}, &Session::cmd_set_credit);
-    click({}, &Session::cmd_msg_wait);
-    click({}, &Session::cmd_message_waiting_0);
-    click({{Field::txt_department, "SALES"}}, &Session::cmd_dept);
-    click({}, &Session::cmd_department_2);
-    click({}, &Session::cmd_department_3);
-    click({{Field::txt_location, "LOBBY"}}, &Session::cmd_loc);
-    click({}, &Session::cmd_location_2);
-    click({}, &Session::cmd_location_3);
-    session.chooseRestriction("option 3");
-    session.cmb_restrict_Click();
-    click({{Field::txt_ls_pilot, "300"}, {Field::txt_suite_3, "301"}}, &Session::cmd_ste6);
-    click({{Field::txt_suite_1, "302"}}, &Session::cmd_ste5);
+    click({{Field::txt_suite_1, "101"}}, Control::cmd_chk_in);
+    click({}, Control::cmd_chk_out);
+    click({{Field::Text1, "Smith"}}, Control::cmd_name_1);
+    click({}, Control::cmd_replace_name);
+    click({}, Control::Command6);
+    click({{Field::txt_time, "0730"}}, Control::cmd_wakeup);
+    click({{Field::txt_credit, "500"}}, Control::cmd_set_credit);
+    click({}, Control::cmd_msg_wait);
+    click({}, Control::cmd_message_waiting_0);
+    click({{Field::txt_department, "SALES"}}, Control::cmd_dept);
+    click({}, Control::cmd_department_2);
+    click({}, Control::cmd_department_3);
+    click({{Field::txt_location, "LOBBY"}}, Control::cmd_loc);
+    click({}, Control::cmd_location_2);
+    click({}, Control::cmd_location_3);
+    session.cmb_restrict_Click("option 3");
+    click({{Field::txt_ls_pilot, "300"}, {Field::txt_suite_3, "301"}}, Control::cmd_ste6);
+    click({{Field::txt_suite_1, "302"}}, Control::cmd_ste5);
     const QStringList recordedFrames = frames();
     ASSERT_EQ(recordedFrames.size(), 18);
     ASSERT_EQ(session.recorder.scriptText().count("\r\n"), 18);
@@ -101,15 +100,15 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     session.link.setMode(session.link.pmsMode(), Protocol::His);
     session.recorder.start("VMAILHIS\r\n");
     const QList<std::pair<FieldTexts, Action>> clicks = {
-        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_in},
-        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_chk_out},
-        {{{Field::txt_ls_pilot, "4001"}}, &Session::cmd_name_1},
-        {{{Field::txt_suite_2, "4002"}}, &Session::Command6},
-        {{{Field::txt_suite_4, "12"}}, &Session::cmd_department_3},
-        {{{Field::txt_department, "3"}}, &Session::cmd_replace_name},
-        {{{Field::txt_suite_1, "1234"}}, &Session::cmd_xfer_name},
-        {{{Field::txt_suite_1, "4321"}}, &Session::cmd_dept},
-        {{{Field::txt_suite_3, "77"}}, &Session::cmd_department_2},
+        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_in},
+        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_out},
+        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_name_1},
+        {{{Field::txt_suite_2, "4002"}}, Control::Command6},
+        {{{Field::txt_suite_4, "12"}}, Control::cmd_department_3},
+        {{{Field::txt_department, "3"}}, Control::cmd_replace_name},
+        {{{Field::txt_suite_1, "1234"}}, Control::cmd_xfer_name},
+        {{{Field::txt_suite_1, "4321"}}, Control::cmd_dept},
+        {{{Field::txt_suite_3, "77"}}, Control::cmd_department_2},
     };
     for (const auto& [texts, action] : clicks)
         click(texts, action);

@@ -1,7 +1,6 @@
 #include "common/session_fixture.h"
 
 #include "protocol/message_catalogue.h"
-#include "transactions/session_buttons.h"
 
 #include <QSignalSpy>
 
@@ -17,13 +16,9 @@ class HotelTransactions : public SessionFixture {};
 // The catalogue's entry for the message the button of `action` sends (the restriction list is
 // a list, not a button).
 const HotelMessage& catalogued(Action action) {
-    QList<SessionButton> buttons = sessionButtons();
-    buttons.append({Control::cmb_restrict, &Session::cmb_restrict_Click});
-    for (const SessionButton& button : std::as_const(buttons))
-        if (button.operation == action)
-            for (const HotelMessage& message : hotelMessages())
-                if (message.button == button.control)
-                    return message;
+    for (const HotelMessage& message : hotelMessages())
+        if (message.button == action)
+            return message;
     qFatal("no catalogued message for the action");
 }
 
@@ -40,64 +35,64 @@ struct Transaction {
 };
 
 const Transaction transactions[] = {
-    {"check in", &Session::cmd_chk_in, {{txt_suite_1, "101"}}, "CHK1   101", 10},
-    {"check out", &Session::cmd_chk_out, {{txt_suite_1, "101"}}, "CHK0   101", 10},
+    {"check in", Control::cmd_chk_in, {{txt_suite_1, "101"}}, "CHK1   101", 10},
+    {"check out", Control::cmd_chk_out, {{txt_suite_1, "101"}}, "CHK0   101", 10},
     {"add name",
-     &Session::cmd_name_1,
+     Control::cmd_name_1,
      {{txt_suite_1, "101"}, {Text1, " Smith "}},
      "NAM1 Smith                  101",
      31},
     {"replace name",
-     &Session::cmd_replace_name,
+     Control::cmd_replace_name,
      {{txt_suite_1, "101"}, {Text1, "Smith"}},
      "NAM2 Smith                  101",
      31},
     {"delete name",
-     &Session::Command6,
+     Control::Command6,
      {{txt_suite_1, "101"}, {Text1, "Smith"}},
      "NAM3 Smith                  101",
      31},
-    {"mw on", &Session::cmd_msg_wait, {{txt_suite_1, "101"}}, "MW 1   101", 10},
-    {"mw off", &Session::cmd_message_waiting_0, {{txt_suite_1, "101"}}, "MW 0   101", 10},
+    {"mw on", Control::cmd_msg_wait, {{txt_suite_1, "101"}}, "MW 1   101", 10},
+    {"mw off", Control::cmd_message_waiting_0, {{txt_suite_1, "101"}}, "MW 0   101", 10},
     {"credit",
-     &Session::cmd_set_credit,
+     Control::cmd_set_credit,
      {{txt_suite_1, "101"}, {txt_credit, "500"}},
      "LMT1   101   500",
      16},
     {"wake up",
-     &Session::cmd_wakeup,
+     Control::cmd_wakeup,
      {{txt_suite_1, "101"}, {txt_time, "0730"}},
      "WKP0730  101",
      12,
      "WKP 0730  101"},
-    {"restriction", &Session::cmb_restrict_Click, {{txt_suite_1, "12"}}, "RST2    12", 10},
+    {"restriction", Control::cmb_restrict, {{txt_suite_1, "12"}}, "RST2    12", 10},
     {"add department",
-     &Session::cmd_dept,
+     Control::cmd_dept,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
      "DPT1 SALES       101",
      20},
     {"replace department",
-     &Session::cmd_department_2,
+     Control::cmd_department_2,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
      "DPT2 SALES       101",
      20},
     {"delete department",
-     &Session::cmd_department_3,
+     Control::cmd_department_3,
      {{txt_suite_1, "101"}, {txt_department, "SALES"}},
      "DPT3 SALES       101",
      20},
     {"add location",
-     &Session::cmd_loc,
+     Control::cmd_loc,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
      "LOC1 LOBBY       101",
      20},
     {"replace location",
-     &Session::cmd_location_2,
+     Control::cmd_location_2,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
      "LOC2 LOBBY       101",
      20},
     {"delete location",
-     &Session::cmd_location_3,
+     Control::cmd_location_3,
      {{txt_suite_1, "101"}, {txt_location, "LOBBY"}},
      "LOC3 LOBBY       101",
      20},
@@ -107,7 +102,7 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
     for (const Transaction& t : transactions) {
         SCOPED_TRACE(t.what);
         restart();
-        session.chooseRestriction("long distant call");
+        chosenRestriction = "long distant call";
         ASSERT_EQ(t.body.size(), t.length);
         click(t.fields, t.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(t.body.toLatin1())}));
@@ -121,7 +116,7 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
 TEST_F(HotelTransactions, EveryMessageAScriptCanSendIsTried) {
     for (const HotelMessage& message : hotelMessages()) {
         // Transfer Name sends two messages: it has a test of its own below.
-        if (message.scriptWords.isEmpty() || &message == &catalogued(&Session::cmd_xfer_name))
+        if (message.scriptWords.isEmpty() || &message == &catalogued(Control::cmd_xfer_name))
             continue;
         EXPECT_TRUE(std::any_of(std::cbegin(transactions), std::cend(transactions),
                                 [&](const Transaction& t) { return &t.message() == &message; }))
@@ -134,7 +129,7 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
     for (const Transaction& t : transactions) {
         SCOPED_TRACE(t.what);
         restart();
-        session.chooseRestriction("long distant call");
+        chosenRestriction = "long distant call";
         // a second room is never reached
         click(t.fields + FieldTexts{{txt_suite_3, "103"}}, t.action);
         EXPECT_EQ(tcp.written,
@@ -153,8 +148,8 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
 
 TEST_F(HotelTransactions, CheckInTakesTheLineBidsAckForTheFrames) {
     pbx.options.onFrame = Answer::Silent;
-    click({{txt_suite_1, "101"}}, &Session::cmd_chk_in);
-    click({}, &Session::cmd_chk_out);
+    click({{txt_suite_1, "101"}}, Control::cmd_chk_in);
+    click({}, Control::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK1   101")), 1);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
     EXPECT_EQ(session.recorder.scriptText(), "CHK1   101\r\n");
@@ -165,13 +160,13 @@ TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
         Action action;
         bool timedLog;
         qint16 counted;
-    } cases[] = {{&Session::cmd_chk_out, true, 1},
-                 {&Session::cmd_name_1, true, 1},
-                 {&Session::cmb_restrict_Click, false, 0}};
+    } cases[] = {{Control::cmd_chk_out, true, 1},
+                 {Control::cmd_name_1, true, 1},
+                 {Control::cmb_restrict, false, 0}};
     pbx.options.onEnq = Answer::Nak;
     for (const Case& c : cases) {
         restart();
-        session.chooseRestriction("internal call");
+        chosenRestriction = "internal call";
         click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, "Smith"}}, c.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
         const QString enqLine = " PBX DID NOT ACKnowkledge ENQ message";
@@ -196,7 +191,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
         session.chk_error_Click(c.errorMode);
         for (int i = 0; i < 5; ++i)
             type({{roomFields[i], c.rooms[i]}});
-        session.cmd_chk_in();
+        session.press(Control::cmd_chk_in);
         QList<QByteArray> expected;
         for (const QByteArray& body : c.bodies)
             expected += {ENQ, frame(body)};
@@ -207,8 +202,8 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
 
 TEST_F(HotelTransactions, ErrorModeSendsEveryFieldAsTyped) {
     session.chk_error_Click(true);
-    click({{txt_suite_1, "101"}, {Text1, " Smith"}, {txt_time, "99"}}, &Session::cmd_name_1);
-    click({}, &Session::cmd_wakeup);
+    click({{txt_suite_1, "101"}, {Text1, " Smith"}, {txt_time, "99"}}, Control::cmd_name_1);
+    click({}, Control::cmd_wakeup);
     EXPECT_EQ(tcp.written,
               QList<QByteArray>({ENQ, frame("NAM1  Smith101"), ENQ, frame("WKP99101")}));
 }
@@ -217,7 +212,7 @@ TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
     pbx.options.firstFrameAnswers = {Answer::Nak, Answer::Ack};
     pbx.options.onFrame = Answer::Nak;
     click({{txt_suite_1, "101"}, {txt_suite_2, "102"}, {txt_ls_pilot, "105"}},
-          &Session::cmd_chk_out);
+          Control::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 2);
     EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
     EXPECT_EQ(tcp.written.count(frame("CHK0   105")), 0);
@@ -226,10 +221,10 @@ TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
 }
 
 TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
-    click({{txt_suite_1, "101"}, {txt_suite_2, "205"}, {Text1, "Smith"}}, &Session::cmd_xfer_name);
+    click({{txt_suite_1, "101"}, {txt_suite_2, "205"}, {Text1, "Smith"}}, Control::cmd_xfer_name);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("NAM4 Smith                  101  205"),
                                               ENQ, frame("NAM4 Smith                  205  205")}));
-    EXPECT_EQ(lines()[2], catalogued(&Session::cmd_xfer_name).logPrefix +
+    EXPECT_EQ(lines()[2], catalogued(Control::cmd_xfer_name).logPrefix +
                               "NAM4 Smith                  101  205");
     EXPECT_EQ(session.recorder.scriptText(), "NAM4 Smith                  101  205\r\n"
                                              "NAM4 Smith                  205  205\r\n");
@@ -242,34 +237,34 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
         FieldTexts fields;
         QStringList log;
     } cases[] = {
-        {&Session::cmd_name_1,
+        {Control::cmd_name_1,
          {{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, longName}},
          {"Invalid Name!", "Invalid Name!", "no valid room number"}},
-        {&Session::cmd_replace_name, {{txt_ls_pilot, "105"}, {Text1, "  "}}, {"Invalid Name!"}},
-        {&Session::cmd_xfer_name,
+        {Control::cmd_replace_name, {{txt_ls_pilot, "105"}, {Text1, "  "}}, {"Invalid Name!"}},
+        {Control::cmd_xfer_name,
          {{txt_suite_1, "101"}, {Text1, "Smith"}},
          {"Invalid Transfer Room Number!", "no valid room number"}},
-        {&Session::cmd_xfer_name,
+        {Control::cmd_xfer_name,
          {{txt_suite_1, "101"}, {txt_suite_2, "205"}},
          {"Invalid Name!", "Invalid Name!", "no valid room number"}},
-        {&Session::cmd_set_credit,
+        {Control::cmd_set_credit,
          {{txt_suite_1, "101"}},
          {"Invalid Name!", "no valid room number"}},
-        {&Session::cmd_wakeup,
+        {Control::cmd_wakeup,
          {{txt_suite_1, "101"}, {txt_time, "0760"}},
          {"Invalid Time!", "no valid room number"}},
-        {&Session::cmd_department_3,
+        {Control::cmd_department_3,
          {{txt_suite_1, "101"}, {txt_department, "ACCOUNTING1"}},
          {"Invalid Department!", "no valid room number"}},
-        {&Session::cmd_location_2,
+        {Control::cmd_location_2,
          {{txt_suite_1, "101"}},
          {"Invalid Location!", "no valid room number"}},
-        {&Session::cmd_msg_wait, {}, {"no valid room number"}},
-        {&Session::cmb_restrict_Click, {}, {"No valid room number"}},
+        {Control::cmd_msg_wait, {}, {"no valid room number"}},
+        {Control::cmb_restrict, {}, {"No valid room number"}},
     };
     for (const Case& c : cases) {
         restart();
-        session.chooseRestriction("option 3");
+        chosenRestriction = "option 3";
         QSignalSpy refusedFields(&session, &Session::fieldRefused);
         QSignalSpy refusedPress(&session, &Session::pressRefused);
         click(c.fields, c.action);
@@ -285,7 +280,7 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
 TEST_F(HotelTransactions, APressThatSendsIsNoRefusal) {
     QSignalSpy refusedPress(&session, &Session::pressRefused);
     // The first room is too long and skipped without a word; the second goes out.
-    click({{txt_suite_1, "123456"}, {txt_suite_3, "103"}}, &Session::cmd_chk_in);
+    click({{txt_suite_1, "123456"}, {txt_suite_3, "103"}}, Control::cmd_chk_in);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK1   103")}));
     EXPECT_TRUE(refusedPress.isEmpty());
 }
@@ -294,14 +289,10 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
     const QStringList choices = {"internal call", "local call", "long distant call",
                                  "option 1",      "option 2",   "option 3"};
     type({{txt_suite_1, "12"}});
-    for (const QString& choice : choices) {
-        session.chooseRestriction(choice);
-        session.cmb_restrict_Click();
-    }
-    session.chooseRestriction("long distance call");
-    session.cmb_restrict_Click();
-    session.chooseRestriction(QString());
-    session.cmb_restrict_Click();
+    for (const QString& choice : choices)
+        session.cmb_restrict_Click(choice);
+    session.cmb_restrict_Click("long distance call");
+    session.cmb_restrict_Click(QString());
     QList<QByteArray> expected;
     for (char level : QByteArray("012345"))
         expected += {ENQ, frame(QByteArray("RST") + level + "    12")};
@@ -311,7 +302,7 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
 
 TEST_F(HotelTransactions, NothingHappensDuringAWait) {
     const Link::WaitGuard busy(session.link);
-    session.chooseRestriction("local call");
+    chosenRestriction = "local call";
     type({{txt_suite_1, "101"},
           {txt_suite_2, "205"},
           {Text1, "Smith"},
@@ -320,8 +311,8 @@ TEST_F(HotelTransactions, NothingHappensDuringAWait) {
           {txt_department, "D"},
           {txt_location, "L"}});
     for (const Transaction& t : transactions)
-        (session.*t.action)();
-    session.cmd_xfer_name();
+        press(t.action);
+    session.press(Control::cmd_xfer_name);
     EXPECT_TRUE(tcp.written.isEmpty());
     EXPECT_TRUE(session.log.logText().isEmpty());
 }

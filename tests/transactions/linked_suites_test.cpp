@@ -21,14 +21,14 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         QStringList fields; // pilot, then txt_suite_1 .. txt_suite_4
         QString body;
     } cases[] = {
-        {false, &Session::cmd_ste0, {"101", "102", "103", "", ""}, "STE0   101   102   103"},
-        {false, &Session::cmd_steB, {"101", "", "", "", ""}, "STEB   101"},
-        {false, &Session::cmd_ste7, {"101", " 102 ", "", "104", ""}, "STE7   101   102   104"},
-        {true, &Session::cmd_ste1, {"101", "102", "103", "", ""}, "STE1 101 10210"},
-        {true, &Session::cmd_ste1, {"101", "102", "", "", "105"}, "STE1 101 10210"},
-        {true, &Session::cmd_ste2, {"NotValid", "", "", "", ""}, "STE2 NotValid"},
-        {false, &Session::cmd_ste5, {"101", "201", "301", "401", "501"}, "STE5   101   201"},
-        {true, &Session::cmd_ste5, {"101", "201", "", "", ""}, "STE5 101 201"},
+        {false, Control::cmd_ste0, {"101", "102", "103", "", ""}, "STE0   101   102   103"},
+        {false, Control::cmd_steB, {"101", "", "", "", ""}, "STEB   101"},
+        {false, Control::cmd_ste7, {"101", " 102 ", "", "104", ""}, "STE7   101   102   104"},
+        {true, Control::cmd_ste1, {"101", "102", "103", "", ""}, "STE1 101 10210"},
+        {true, Control::cmd_ste1, {"101", "102", "", "", "105"}, "STE1 101 10210"},
+        {true, Control::cmd_ste2, {"NotValid", "", "", "", ""}, "STE2 NotValid"},
+        {false, Control::cmd_ste5, {"101", "201", "301", "401", "501"}, "STE5   101   201"},
+        {true, Control::cmd_ste5, {"101", "201", "", "", ""}, "STE5 101 201"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.body.toStdString());
@@ -37,7 +37,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         type({{txt_ls_pilot, c.fields[0]}});
         for (int i = 0; i < 4; ++i)
             type({{roomFields[i], c.fields[i + 1]}});
-        (session.*c.action)();
+        session.press(c.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(c.body.toLatin1())}));
         const QStringList log =
             grantedBid() + QStringList{suite.logPrefix + c.body, "Received--> ACK"};
@@ -52,17 +52,17 @@ TEST_F(LinkedSuites, FirstInvalidFieldIsLoggedAndNothingSent) {
         QStringList fields;
         QString line;
     } cases[] = {
-        {&Session::cmd_ste0, {"", "1234567", "", "", ""}, "Invalid link suite pilot number!"},
-        {&Session::cmd_ste6, {"101", "102", "", "123456", ""}, "Invalid member number 3!"},
-        {&Session::cmd_ste6, {"101", "", "", "", "123456"}, "Invalid member number 4!"},
-        {&Session::cmd_ste5, {"101", "", "", "", ""}, "Invalid link suite pilot  number 2!"},
+        {Control::cmd_ste0, {"", "1234567", "", "", ""}, "Invalid link suite pilot number!"},
+        {Control::cmd_ste6, {"101", "102", "", "123456", ""}, "Invalid member number 3!"},
+        {Control::cmd_ste6, {"101", "", "", "", "123456"}, "Invalid member number 4!"},
+        {Control::cmd_ste5, {"101", "", "", "", ""}, "Invalid link suite pilot  number 2!"},
     };
     for (const Case& c : cases) {
         restart();
         type({{txt_ls_pilot, c.fields[0]}});
         for (int i = 0; i < 4; ++i)
             type({{roomFields[i], c.fields[i + 1]}});
-        (session.*c.action)();
+        session.press(c.action);
         EXPECT_EQ(lines(), QStringList{c.line});
         EXPECT_TRUE(tcp.written.isEmpty());
     }
@@ -70,7 +70,7 @@ TEST_F(LinkedSuites, FirstInvalidFieldIsLoggedAndNothingSent) {
 
 TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
     pbx.options.onFrame = Answer::Silent;
-    click({{txt_ls_pilot, "101"}, {txt_suite_1, "102"}}, &Session::cmd_ste4);
+    click({{txt_ls_pilot, "101"}, {txt_suite_1, "102"}}, Control::cmd_ste4);
     const QString body = "STE4   101   102";
     const QString sentence = suite.failureSentence;
     const QStringList log = grantedBid() + QStringList(5, suite.logPrefix + body) +
@@ -83,7 +83,7 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
 
 TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
     pbx.options.onEnq = Answer::Silent;
-    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, &Session::cmd_ste5);
+    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste5);
     const QString enqLine = stamp() + " PBX DID NOT ACKnowkledge ENQ message";
     EXPECT_EQ(lines().last(), enqLine);
     EXPECT_EQ(session.errors.errorReport(), enqLine + "\n");
@@ -93,8 +93,8 @@ TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
 
 TEST_F(LinkedSuites, NothingHappensDuringAWait) {
     const Link::WaitGuard busy(session.link);
-    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, &Session::cmd_ste0);
-    session.cmd_ste5();
+    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste0);
+    session.press(Control::cmd_ste5);
     EXPECT_TRUE(tcp.written.isEmpty());
     EXPECT_TRUE(session.log.logText().isEmpty());
 }

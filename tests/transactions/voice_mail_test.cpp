@@ -1,7 +1,6 @@
 #include "common/session_fixture.h"
 
 #include "protocol/message_catalogue.h"
-#include "transactions/session_buttons.h"
 
 #include <QSignalSpy>
 
@@ -25,11 +24,9 @@ protected:
     }
     // The catalogue's entry for the operation the button of `action` carries.
     static const VmailMessage& catalogued(Action action) {
-        for (const SessionButton& button : sessionButtons())
-            if (button.operation == action)
-                for (const VmailMessage& message : vmailMessages())
-                    if (message.button == button.control)
-                        return message;
+        for (const VmailMessage& message : vmailMessages())
+            if (message.button == action)
+                return message;
         qFatal("no catalogued operation for the action");
     }
 };
@@ -42,20 +39,20 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         FieldTexts fields;
         QString body;
     } cases[] = {
-        {"check in", &Session::cmd_chk_in, "HIS", {}, "24001  "},
-        {"check in hyatt", &Session::cmd_chk_in, "HYATT", {}, "24001        "},
-        {"check out", &Session::cmd_chk_out, "HIS", {}, "34001  "},
-        {"query", &Session::cmd_name_1, "HIS", {}, "64001  "},
-        {"move", &Session::Command6, "HIS", {{txt_suite_2, "4002"}}, "74001  4002  "},
-        {"unread", &Session::cmd_replace_name, "HIS", {{txt_department, "3"}}, "94001  3 "},
+        {"check in", Control::cmd_chk_in, "HIS", {}, "24001  "},
+        {"check in hyatt", Control::cmd_chk_in, "HYATT", {}, "24001        "},
+        {"check out", Control::cmd_chk_out, "HIS", {}, "34001  "},
+        {"query", Control::cmd_name_1, "HIS", {}, "64001  "},
+        {"move", Control::Command6, "HIS", {{txt_suite_2, "4002"}}, "74001  4002  "},
+        {"unread", Control::cmd_replace_name, "HIS", {{txt_department, "3"}}, "94001  3 "},
         {"passcode check in",
-         &Session::cmd_xfer_name,
+         Control::cmd_xfer_name,
          "HIS",
          {{txt_suite_1, "1234"}},
          "A4001  1234  "},
-        {"passcode", &Session::cmd_dept, "HIS", {{txt_suite_1, "99"}}, "B4001  99    "},
-        {"id", &Session::cmd_department_2, "HIS", {{txt_suite_3, "12345"}}, "D4001  12345 "},
-        {"fcos", &Session::cmd_department_3, "HIS", {{txt_suite_4, "7"}}, "84001  7 "},
+        {"passcode", Control::cmd_dept, "HIS", {{txt_suite_1, "99"}}, "B4001  99    "},
+        {"id", Control::cmd_department_2, "HIS", {{txt_suite_3, "12345"}}, "D4001  12345 "},
+        {"fcos", Control::cmd_department_3, "HIS", {{txt_suite_4, "7"}}, "84001  7 "},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -64,7 +61,7 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         const qint64 start = pump.elapsedMs();
         click(c.fields + FieldTexts{{txt_ls_pilot, "4001"}}, c.action);
         const QString sent = vmailFrame(c.body);
-        const bool checkIn = c.action == &Session::cmd_chk_in;
+        const bool checkIn = c.action == Control::cmd_chk_in;
         EXPECT_EQ(tcp.written, QList<QByteArray>{sent.toLatin1()});
         // The log line is the catalogue's: its label, the mailbox, and the second field's. The
         // receiver reports the ACK itself; all but the check-in report it again.
@@ -81,7 +78,7 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
 
 TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
     pbx.options.onFrame = Answer::Silent;
-    click({{txt_ls_pilot, "4001"}}, &Session::cmd_chk_out);
+    click({{txt_ls_pilot, "4001"}}, Control::cmd_chk_out);
     EXPECT_EQ(lines(), QStringList({"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}));
     EXPECT_EQ(tcp.written.size(), 1) << "never retried";
     EXPECT_EQ(session.recorder.scriptText(), vmailFrame("34001  ") + "~\r\n");
@@ -91,7 +88,7 @@ TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
 
 TEST_F(VoiceMail, OverlongFieldsAreCutInTheirTextBoxes) {
     QSignalSpy changes(&session.fields, &Fields::changed);
-    click({{txt_ls_pilot, "4001234"}, {txt_suite_4, "123"}}, &Session::cmd_department_3);
+    click({{txt_ls_pilot, "4001234"}, {txt_suite_4, "123"}}, Control::cmd_department_3);
     EXPECT_EQ(session.fields.text(txt_ls_pilot), "400123");
     EXPECT_EQ(session.fields.text(txt_suite_4), "12");
     EXPECT_EQ(changes.size(), 4) << "two typed, two cut";
@@ -109,14 +106,14 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
         FieldTexts fields;
         Empty empty;
     } cases[] = {
-        {&Session::cmd_chk_in, {}, Empty::Mailbox},
-        {&Session::Command6, {{txt_ls_pilot, "4001"}}, Empty::Extra},
-        {&Session::Command6, {{txt_suite_2, "4002"}}, Empty::Mailbox},
-        {&Session::cmd_replace_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
-        {&Session::cmd_xfer_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
-        {&Session::cmd_dept, {{txt_ls_pilot, "4001"}}, Empty::Extra},
-        {&Session::cmd_department_2, {{txt_ls_pilot, "4001"}}, Empty::Extra},
-        {&Session::cmd_department_3, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::cmd_chk_in, {}, Empty::Mailbox},
+        {Control::Command6, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::Command6, {{txt_suite_2, "4002"}}, Empty::Mailbox},
+        {Control::cmd_replace_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::cmd_xfer_name, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::cmd_dept, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::cmd_department_2, {{txt_ls_pilot, "4001"}}, Empty::Extra},
+        {Control::cmd_department_3, {{txt_ls_pilot, "4001"}}, Empty::Extra},
     };
     for (const Case& c : cases) {
         restart();
@@ -136,9 +133,9 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
 TEST_F(VoiceMail, EveryOperationOfAButtonIsTried) {
     // The buttons of the two tables above, against the catalogue's operations.
     const QList<Action> tried = {
-        &Session::cmd_chk_in, &Session::cmd_chk_out,      &Session::cmd_name_1,
-        &Session::Command6,   &Session::cmd_replace_name, &Session::cmd_xfer_name,
-        &Session::cmd_dept,   &Session::cmd_department_2, &Session::cmd_department_3};
+        Control::cmd_chk_in, Control::cmd_chk_out,      Control::cmd_name_1,
+        Control::Command6,   Control::cmd_replace_name, Control::cmd_xfer_name,
+        Control::cmd_dept,   Control::cmd_department_2, Control::cmd_department_3};
     for (const VmailMessage& message : vmailMessages()) {
         if (!message.button)
             continue;
@@ -156,12 +153,12 @@ TEST_F(VoiceMail, OnlyTheCheckInRunsDuringAWait) {
           {txt_suite_3, "3"},
           {txt_suite_4, "4"},
           {txt_department, "5"}});
-    for (Action a : {&Session::cmd_chk_out, &Session::cmd_name_1, &Session::Command6,
-                     &Session::cmd_replace_name, &Session::cmd_xfer_name, &Session::cmd_dept,
-                     &Session::cmd_department_2, &Session::cmd_department_3})
-        (session.*a)();
+    for (Action a : {Control::cmd_chk_out, Control::cmd_name_1, Control::Command6,
+                     Control::cmd_replace_name, Control::cmd_xfer_name, Control::cmd_dept,
+                     Control::cmd_department_2, Control::cmd_department_3})
+        session.press(a);
     EXPECT_TRUE(tcp.written.isEmpty());
-    session.cmd_chk_in();
+    session.press(Control::cmd_chk_in);
     EXPECT_EQ(tcp.written, QList<QByteArray>{vmailFrame("24001  ").toLatin1()});
 }
 

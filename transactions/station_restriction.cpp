@@ -1,5 +1,5 @@
-// Room features: the message-waiting lamp, the credit limit, the wake-up call and the station
-// restriction level. They never look at the mode; their controls are hidden in voice-mail mode.
+// The station restriction list: each level it offers, and the message that level sends. It never
+// looks at the mode; the list is hidden in voice-mail mode.
 #include "core/operator_interface.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"
@@ -24,27 +24,11 @@ const RestrictionLevel restrictionLevels[] = {
 
 } // namespace
 
-void Session::cmd_msg_wait() {
-    sendToRooms(*this, hotelTransaction(QStringLiteral("MW 1")));
-}
-
-void Session::cmd_message_waiting_0() {
-    sendToRooms(*this, hotelTransaction(QStringLiteral("MW 0")));
-}
-
-void Session::cmd_set_credit() {
-    sendToRooms(*this, hotelTransaction(QStringLiteral("LMT1")));
-}
-
-void Session::cmd_wakeup() {
-    sendToRooms(*this, hotelTransaction(QStringLiteral("WKP")));
-}
-
-void Session::cmb_restrict_Click() {
-    if (m_cmb_restrict.isEmpty())
+void Session::cmb_restrict_Click(const QString& item) {
+    if (item.isEmpty())
         return;
     for (const RestrictionLevel& entry : restrictionLevels) {
-        if (entry.selection == m_cmb_restrict) {
+        if (entry.selection == item) {
             send_station_restriction(entry.level);
             return;
         }

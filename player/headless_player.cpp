@@ -272,8 +272,10 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {
         return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        return m_session.errors.countedSinceReset() == 0 ? exitcode::ok
-                                                         : exitcode::transactionsFailed;
+        // The end notice counts failed transactions only; the status tells of failed waits too.
+        return m_session.errors.countedSinceReset() == 0 && m_console.statistics.failedWaits() == 0
+                   ? exitcode::ok
+                   : exitcode::failed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:

@@ -45,7 +45,7 @@ output, notices and the run statistics on standard error.
                  second, with no socket or device opened; the simulator's options follow
                  SCRIPT and set how it answers, as larkspur-pbxsim(1) describes
 
-Exit status: 0 clean, 1 failed transactions, 2 no link, 3 bad script, 4 link lost,
+Exit status: 0 clean, 1 failed transactions or waits, 2 no link, 3 bad script, 4 link lost,
 5 a report or the traffic log could not be written whole, 64 bad arguments, 129 hung up,
 130 interrupted.
 )");

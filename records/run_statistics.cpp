@@ -41,12 +41,24 @@ void RunStatistics::add(const ExchangeEvent& event) {
     }
 }
 
+namespace {
+const QString waitPrefix = QStringLiteral("wait ");
+} // namespace
+
 void RunStatistics::addWait(const QString& item, bool succeeded, qint64 ms) {
-    ExchangeEvent event{QStringLiteral("wait ") + item,
+    ExchangeEvent event{waitPrefix + item,
                         succeeded ? ExchangeEvent::Outcome::Acknowledged
                                   : ExchangeEvent::Outcome::TimedOut,
                         succeeded ? ms : -1};
     add(event);
+}
+
+qint64 RunStatistics::failedWaits() const {
+    qint64 failed = 0;
+    for (auto it = m_rows.cbegin(); it != m_rows.cend(); ++it)
+        if (it.key().startsWith(waitPrefix))
+            failed += it.value().timedOut;
+    return failed;
 }
 
 QString RunStatistics::table() const {

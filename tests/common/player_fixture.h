@@ -41,12 +41,12 @@ protected:
     void start(const QStringList& arguments) {
         startProgram(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
     }
-    // Starts it with its clock at `timeOfDay` ("23:59:58") today, through faketime.
-    void startAt(const QString& timeOfDay, const QStringList& arguments) {
-        const QString now =
-            QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd ")) + timeOfDay;
-        startProgram(QStringLiteral("faketime"),
-                     QStringList{now, QStringLiteral(LARKSPUR_RUN_PATH)} + arguments);
+    // Starts it with its clock at `clockStart`.
+    void startAt(const QDateTime& clockStart, const QStringList& arguments) {
+        QProcessEnvironment env = run.processEnvironment();
+        env.insert(QStringLiteral("LARKSPUR_CLOCK_START"), clockStart.toString(Qt::ISODate));
+        run.setProcessEnvironment(env);
+        start(arguments);
     }
     // Runs to the end (bounded) and gives the exit status: -1 when it had to be killed, -2 when
     // it crashed.

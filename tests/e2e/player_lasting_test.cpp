@@ -4,6 +4,7 @@
 #include "common/player_fixture.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -25,19 +26,50 @@ QByteArray repeated(const QByteArray& line, int times) {
     return out + ";\r\n";
 }
 
+// When each wait timed out, by the run's own clock, from its error report.
+QList<QDateTime> timeOuts(const QString& errorReport) {
+    static const QRegularExpression record(
+        QStringLiteral("^(\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d): Time expired"));
+    QFile f(errorReport);
+    f.open(QIODevice::ReadOnly);
+    QList<QDateTime> times;
+    for (const QString& line : QString::fromLatin1(f.readAll()).split(u'\n')) {
+        const QRegularExpressionMatch match = record.match(line);
+        if (match.hasMatch())
+            times << QDateTime::fromString(match.captured(1),
+                                           QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    }
+    return times;
+}
+
 TEST_F(Lasting, WaitsKeepTheirLengthAcrossMidnight) {
-    // The dry run's virtual clock starts at the wall clock's time: ten seconds before midnight.
-    startAt("23:59:50", {"--dry-run", script(repeated("WAIT STS1   101 9\r\nCHK1   101\r\n", 5))});
+    const QDate day(2026, 1, 5);
+    const QDateTime midnight(day.addDays(1), QTime(0, 0));
+    const QString errors = home.filePath("errors.txt");
+
+    // A dry run whose clock starts ten seconds before midnight: five waits of nine seconds.
+    startAt(QDateTime(day, QTime(23, 59, 50)),
+            {"--dry-run", "--error-report", errors,
+             script(repeated("WAIT STS1   101 9\r\nCHK1   101\r\n", 5))});
     EXPECT_EQ(finish(30'000), 1) << err.toStdString();
     EXPECT_EQ(outLines().count("Time expired.  Did not receive--> sts1"), 5);
+    const QList<QDateTime> dryRun = timeOuts(errors);
+    ASSERT_EQ(dryRun.size(), 5);
+    EXPECT_GT(dryRun.last(), midnight);
+    for (qsizetype i = 1; i < dryRun.size(); ++i)
+        EXPECT_GE(dryRun[i - 1].secsTo(dryRun[i]), 9) << i;
 
     // A real run against a PBX that says nothing, started two seconds before midnight.
     PbxSimProcess sim;
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     out.clear();
-    startAt("23:59:58", {"--tcp", tcp(sim), script("WAIT STS1   101 3\r\n;\r\n")});
+    startAt(QDateTime(day, QTime(23, 59, 58)),
+            {"--tcp", tcp(sim), "--error-report", errors, script("WAIT STS1   101 3\r\n;\r\n")});
     EXPECT_EQ(finish(30'000), 1) << err.toStdString();
     EXPECT_TRUE(outLines().contains("Time expired.  Did not receive--> sts1"));
+    const QList<QDateTime> realRun = timeOuts(errors);
+    ASSERT_EQ(realRun.size(), 1);
+    EXPECT_GE(realRun.first(), midnight.addSecs(1)) << "three seconds from 23:59:58 at least";
 }
 
 TEST_F(Lasting, WaitsKeepTheirLengthPastTheFirstDay) {

@@ -8,10 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace larkspur::test;
 
@@ -163,46 +159,21 @@ TEST_F(Lasting, ACheckThatCannotBeWrittenWholeEndsWithItsOwnStatus) {
         << err.toStdString();
 }
 
-// Runs the built simulator on an ephemeral port with its standard output on a pipe, reads the
-// line that names the port, and closes the pipe, as `larkspur-pbxsim | head -1` does. The
-// simulator's pid, or -1.
-pid_t simulatorWithClosedOutput(quint16& port) {
-    int out[2];
-    if (::pipe(out) != 0)
-        return -1;
-    const QByteArray program = QFile::encodeName(PbxSimProcess::program());
-    char* argv[] = {const_cast<char*>(program.constData()), const_cast<char*>("--listen"),
-                    const_cast<char*>("127.0.0.1:0"), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-    posix_spawn_file_actions_addclose(&actions, out[0]);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    pid_t pid = -1;
-    const int spawned = posix_spawn(&pid, program.constData(), &actions, nullptr, argv, environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(out[1]);
-    QByteArray first;
-    char c = 0;
-    while (spawned == 0 && ::read(out[0], &c, 1) == 1 && c != '\n')
-        first += c;
-    ::close(out[0]);
-    port = quint16(first.mid(first.lastIndexOf(':') + 1).toUInt());
-    return spawned == 0 && port != 0 ? pid : -1;
-}
-
 TEST_F(Lasting, TheSimulatorOutlivesItsClosedStandardOutput) {
-    quint16 port = 0;
-    const pid_t sim = simulatorWithClosedOutput(port);
-    ASSERT_GT(sim, 0);
+    // larkspur-pbxsim | head -1: the line that names the port, then nobody reads.
+    TestProcess sim, head;
+    sim.setStandardOutputProcess(&head);
+    sim.start(PbxSimProcess::program(), {"--listen", "127.0.0.1:0"});
+    head.start("head", {"-1"});
+    ASSERT_TRUE(head.waitForFinished(10'000));
+    const QByteArray first = head.readAllStandardOutput().trimmed();
+    const quint16 port = quint16(first.mid(first.lastIndexOf(':') + 1).toUInt());
+    ASSERT_NE(port, 0) << first.toStdString();
     for (int round = 0; round < 2; ++round) {
         start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(port), script("CHK1   101\r\n;\r\n")});
         EXPECT_EQ(finish(), 0) << err.toStdString();
     }
-    int status = 0;
-    EXPECT_EQ(::waitpid(sim, &status, WNOHANG), 0) << "the simulator ended";
-    ::kill(sim, SIGTERM);
-    ::waitpid(sim, &status, 0);
+    EXPECT_EQ(sim.state(), QProcess::Running) << "the simulator ended";
 }
 
 // The peak resident memory of a dry run of `script` with every report on, in kilobytes.

@@ -543,7 +543,7 @@ TEST_F(TapHandPlayed, MemoryStaysFlatOverManyExchanges) {
 }
 
 TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
-    QProcess process;
+    TestProcess process;
     process.start(TapProcess::program(), {"--listen", "127.0.0.1:0"});
     ASSERT_TRUE(process.waitForFinished(10000));
     EXPECT_EQ(process.exitCode(), 64);
@@ -558,7 +558,7 @@ TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
 TEST(TapCommandLine, APortInUseIsNoLink) {
     QTcpServer taken;
     taken.listen(QHostAddress::LocalHost, 0);
-    QProcess tap;
+    TestProcess tap;
     tap.start(TapProcess::program(),
               {"--listen", QStringLiteral("127.0.0.1:%1").arg(taken.serverPort()), "--pbx",
                "127.0.0.1:1"});

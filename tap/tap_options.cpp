@@ -37,7 +37,8 @@ on standard output with its time, direction, transaction and answer.
                        times)
   --trace FILE         the trace in FILE as well
   --learn SCRIPT       write what the PMS did as a script: one line per transaction the PBX
-                       acknowledged, as the window's recorder writes it
+                       acknowledged, as the window's recorder writes it, and a closing
+                       comment line, so that it replays whole
   --learn-waits        and a WAIT line for each PBX message a wait can expect, its digit
                        from the delay seen (hotel mode)
   --once               end when the first session ends instead of waiting for the next

@@ -3,6 +3,7 @@
 #include "common/test_process.h"
 
 #include <QFile>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -33,6 +34,9 @@ TEST(ProgramsOfATest, EndWhenTheTestIsKilled) {
 
     ::kill(pid_t(test.processId()), SIGKILL);
     ASSERT_TRUE(test.waitForFinished(10'000));
+    // The end of a process that is not the test's own child comes with no event: look often.
+    QTimer look;
+    look.start(20);
     for (const QByteArray& pid : pids) {
         const qint64 program = pid.toLongLong();
         EXPECT_TRUE(waitUntil([&] { return !running(program); }, 10'000)) << program;

@@ -24,7 +24,7 @@ bool isVmailFrame(const QByteArray& b) {
 }
 } // namespace
 
-WireTrace::WireTrace(qsizetype capacity) : m_capacity(qMax<qsizetype>(1, capacity)) {}
+WireTrace::WireTrace(qsizetype capacity) : m_capacity(qMax<qsizetype>(0, capacity)) {}
 
 const WireRow& WireTrace::row(qsizetype index) const {
     return m_rows.at((m_first + index) % m_rows.size());
@@ -38,6 +38,10 @@ void WireTrace::clear() {
 
 void WireTrace::add(WireRow row) {
     Q_EMIT rowAdded(row);
+    if (m_capacity == 0) {
+        ++m_dropped;
+        return;
+    }
     if (m_rows.size() < m_capacity) {
         m_rows.append(std::move(row));
         return;

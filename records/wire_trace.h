@@ -31,6 +31,7 @@ struct ExchangeEvent {
 class WireTrace : public QObject {
     Q_OBJECT
 public:
+    // `capacity` 0 keeps no rows: they are only announced.
     explicit WireTrace(qsizetype capacity = 100'000);
 
     void sent(const QByteArray& bytes, const QDateTime& time, bool vmail);

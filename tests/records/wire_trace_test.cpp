@@ -89,6 +89,22 @@ TEST(WireTraceRing, KeepsTheNewestRows) {
     EXPECT_EQ(WireTrace::format(trace.row(2)), "01:02:03.004 RX e   | 65");
 }
 
+TEST(WireTraceRing, WithoutCapacityKeepsNoRowButAnnouncesEveryOneAndEndsExchanges) {
+    WireTrace trace(0);
+    int announced = 0;
+    QList<ExchangeEvent::Outcome> ended;
+    QObject::connect(&trace, &WireTrace::rowAdded, [&] { ++announced; });
+    QObject::connect(&trace, &WireTrace::exchangeEnded,
+                     [&](const ExchangeEvent& event) { ended << event.outcome; });
+    const QDateTime t(QDate(2026, 1, 1), QTime(1, 2, 3, 4));
+    trace.sent("\x05", t, false);
+    trace.received("\x06", t.addMSecs(3), false);
+    trace.received("e", t.addMSecs(4), false);
+    EXPECT_EQ(announced, 3);
+    EXPECT_EQ(trace.size(), 0);
+    EXPECT_EQ(ended, QList{ExchangeEvent::Outcome::Acknowledged});
+}
+
 TEST(WireTraceTypes, NamesMessages) {
     struct Case {
         QByteArray frame;

@@ -7,7 +7,7 @@ struct PlayerOptions;
 // Exit statuses of the headless player; other tools parse them.
 namespace exitcode {
 constexpr int ok = 0;
-constexpr int failed = 1; // failed transactions or failed waits
+constexpr int failed = 1;        // failed transactions or failed waits
 constexpr int checkWarnings = 1; // --check: the script will not play as written
 constexpr int noLink = 2;
 constexpr int badScript = 3;

@@ -2,6 +2,7 @@
 
 #include "assembly/assembly.h"
 #include "assembly/in_process_pbx.h"
+#include "core/clock_start.h"
 #include "core/virtual_event_pump.h"
 #include "link/in_process_transport.h"
 
@@ -18,7 +19,7 @@ public:
 
 // The pump and the in-process links of a dry run, made before the assembly that uses them.
 struct DryRunLinks {
-    DryRunPump pump{QDateTime::currentDateTime()};
+    DryRunPump pump{clockStart()};
     InProcessTransport tcp{pump, QStringLiteral("TCP (dry run)")};
     InProcessTransport serial{pump, QStringLiteral("serial (dry run)")};
 };

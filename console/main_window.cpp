@@ -18,9 +18,22 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
+#include <QStyle>
 
 namespace larkspur {
+
+namespace {
+// Room for every control group side by side, cut to the screen's available area with room for
+// the window's frame and title bar, so that all of it, the status bar too, opens in sight.
+QSize initialSize(const QWidget& window) {
+    const QStyle& style = *window.style();
+    const int border = style.pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    const QSize frame(2 * border, style.pixelMetric(QStyle::PM_TitleBarHeight) + border);
+    return QSize(1280, 820).boundedTo(window.screen()->availableGeometry().size() - frame);
+}
+} // namespace
 
 MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     : QMainWindow(parent), m_console(console), m_session(console.session), m_engine(console.engine),
@@ -56,7 +69,7 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
 
     Form_Load();
     hideEmptyGroups();
-    resize(1280, 820);
+    resize(initialSize(*this));
 }
 
 MainWindow::~MainWindow() {

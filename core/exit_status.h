@@ -4,7 +4,7 @@ namespace larkspur::exitcode {
 
 // Exit statuses of the headless programs; other tools parse them.
 constexpr int ok = 0;
-constexpr int transactionsFailed = 1;
+constexpr int failed = 1;        // failed transactions or failed waits
 constexpr int checkWarnings = 1; // --check: the script will not play as written
 constexpr int noLink = 2;
 constexpr int badScript = 3;

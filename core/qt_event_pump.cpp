@@ -1,5 +1,7 @@
 #include "core/qt_event_pump.h"
 
+#include "core/clock_start.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QThread>
@@ -21,7 +23,7 @@ void useLeanEventDispatcher() {
 }
 
 QtEventPump::QtEventPump() {
-    m_startDateTime = QDateTime::currentDateTime();
+    m_startDateTime = clockStart();
     m_elapsed.start();
 }
 

@@ -72,7 +72,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const bool carrier = (how & 2) && !overTcp;
         FakeTransport& from = overTcp ? rig.tcp : rig.serial;
 
-        const QString before = link.received().lastControl();
+        // What the receive assembly hands the receiver, each with what the link had done before
+        // it: a read that ends inside a frame hands over what came before the frame at once and
+        // the frame once it is whole, so one read may be two messages, or part of one.
+        struct Handed {
+            QByteArray bytes;
+            QString lastControlBefore;
+            qsizetype writesBefore;
+        };
+        QList<Handed> handed;
+        const auto writes = [&rig] { return rig.tcp.written.size() + rig.serial.written.size(); };
+        const QMetaObject::Connection watching =
+            QObject::connect(&link, &Link::bytesReceived, [&](const QByteArray& message) {
+                handed.append({message, link.received().lastControl(), writes()});
+            });
         const qsizetype tcpWrites = rig.tcp.written.size();
         const qsizetype serialWrites = rig.serial.written.size();
         ReceivedMessages::Reader arrivals = link.received().reader();
@@ -96,35 +109,54 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             pause_seconds(rig.pump, 2.0f);
             break;
         }
-        // A poll that an earlier ACK already answers returns before the read comes.
-        rig.pump.advance(100);
-        rig.pump.processEvents();
+        // A poll that an earlier ACK already answers returns before the read comes; a read that
+        // ends inside a frame is handed over once the line has been silent for the frame gap
+        // (the assembly's 100 ms: the rig never connects, which would set another).
+        for (int step = 0; step < 2; ++step) {
+            rig.pump.advance(100);
+            rig.pump.processEvents();
+        }
+        QObject::disconnect(watching);
         FUZZ_CHECK(!rig.pump.hasPendingDeliveries(), "every read is handled");
         FUZZ_CHECK(arrivals.next().has_value(), "every read wakes the waits");
         FUZZ_CHECK(!link.waitingForAck(), "no wait is left running");
 
-        // Automatic answers: at most one per read, a single ACK, and never to a serial ENQ.
-        const qsizetype answers =
-            rig.tcp.written.size() - tcpWrites + rig.serial.written.size() - serialWrites;
-        FUZZ_CHECK(answers <= 1, "at most one answer per read");
+        // Automatic answers are single ACKs.
         for (const FakeTransport* t : {&rig.tcp, &rig.serial})
             for (qsizetype i = t == &rig.tcp ? tcpWrites : serialWrites; i < t->written.size(); ++i)
                 FUZZ_CHECK(t->written.at(i) == QByteArray(1, char(ctl::ACK)),
                            "an automatic answer is one ACK byte");
-        if (!overTcp && bytes == QByteArray(1, char(ctl::ENQ)))
-            FUZZ_CHECK(answers == 0, "a serial ENQ is only logged");
 
-        // lastControl names the message, or is the message as received.
-        const QString& now = link.received().lastControl();
         if (carrier) {
-            FUZZ_CHECK(now == u"Comm Event Fired ", "carrier detect names itself");
-        } else {
-            const QString text = QString::fromLatin1(bytes);
+            FUZZ_CHECK(handed.isEmpty(), "carrier detect hands over no bytes");
+            FUZZ_CHECK(link.received().lastControl() == u"Comm Event Fired ",
+                       "carrier detect names itself");
+            continue;
+        }
+        QByteArray joined;
+        for (const Handed& h : handed)
+            joined += h.bytes;
+        FUZZ_CHECK(joined == bytes, "the messages handed over are the read, nothing lost or added");
+
+        // Per message: at most one answer, none to a serial ENQ; lastControl names the message,
+        // or is the message as received.
+        for (qsizetype i = 0; i < handed.size(); ++i) {
+            const bool last = i + 1 == handed.size();
+            const QString now =
+                last ? link.received().lastControl() : handed.at(i + 1).lastControlBefore;
+            const qsizetype answers =
+                (last ? writes() : handed.at(i + 1).writesBefore) - handed.at(i).writesBefore;
+            const QByteArray& message = handed.at(i).bytes;
+            FUZZ_CHECK(answers <= 1, "at most one answer per message");
+            if (!overTcp && message == QByteArray(1, char(ctl::ENQ)))
+                FUZZ_CHECK(answers == 0, "a serial ENQ is only logged");
+
+            const QString text = QString::fromLatin1(message);
             const QString received = overTcp ? trimmedBlanks(text) : text;
             const bool named = now == u"ACK" || now == u"ENQ" || now == u"NAK" ||
                                now == (overTcp ? u"rti" : u"RTI");
             const bool kept =
-                overTcp && now == before &&
+                overTcp && now == handed.at(i).lastControlBefore &&
                 (received.isEmpty() || received == QString::fromLatin1("\xFF\xFB\x01"));
             FUZZ_CHECK(named || kept || now == received,
                        "lastControl is a documented name or the received text");

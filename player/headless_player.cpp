@@ -274,8 +274,10 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {
         return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        return m_session.errors.countedSinceReset() == 0 ? exitcode::ok
-                                                         : exitcode::transactionsFailed;
+        // The end notice counts failed transactions only; the status tells of failed waits too.
+        return m_session.errors.countedSinceReset() == 0 && m_console.statistics.failedWaits() == 0
+                   ? exitcode::ok
+                   : exitcode::failed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:
@@ -289,8 +291,9 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {
 
 int runHeadless(const PlayerOptions& options) {
     HeadlessOperator op;
-    // Only the newest trace rows are kept in memory; the file gets every one as it happens.
-    constexpr qsizetype traceRows = 1000;
+    // Nothing shows the trace's rows: the --trace file gets each one as it happens, and none
+    // is kept, so a continuous run's memory is flat from its first round.
+    constexpr qsizetype traceRows = 0;
     if (!options.dryRun) {
         ProgramAssembly console(op, traceRows);
         return HeadlessRun(options, console, console.pump(), op).exec();

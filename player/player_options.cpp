@@ -154,7 +154,7 @@ QString playerHelp() {
             "Plays SCRIPT against the PBX as the window's Run Script does: the traffic\n"
             "log on standard output, notices and the run statistics on standard error.\n"),
         QStringLiteral(
-            "Exit status: 0 clean, 1 failed transactions, 2 no link, 3 bad script, 4 link "
+            "Exit status: 0 clean, 1 failed transactions or waits, 2 no link, 3 bad script, 4 link "
             "lost,\n5 a report or the traffic log could not be written whole, 64 bad "
             "arguments, 129 hung up,\n130 interrupted.\n"));
 }

@@ -25,8 +25,12 @@ void RunStatistics::add(const Exchange& exchange) {
     count(exchange.type, exchange.outcome, exchange.answered() ? exchange.ms : -1);
 }
 
+namespace {
+const QString waitPrefix = QStringLiteral("wait ");
+} // namespace
+
 void RunStatistics::addWait(const QString& item, bool succeeded, qint64 ms) {
-    count(QStringLiteral("wait ") + item,
+    count(waitPrefix + item,
           succeeded ? Exchange::Outcome::Acknowledged : Exchange::Outcome::TimedOut,
           succeeded ? ms : -1);
 }
@@ -49,6 +53,14 @@ void RunStatistics::count(const QString& type, Exchange::Outcome outcome, qint64
         ++row.answerMs[answerMs];
         ++row.answered;
     }
+}
+
+qint64 RunStatistics::failedWaits() const {
+    qint64 failed = 0;
+    for (auto it = m_rows.cbegin(); it != m_rows.cend(); ++it)
+        if (it.key().startsWith(waitPrefix))
+            failed += it.value().timedOut;
+    return failed;
 }
 
 QString RunStatistics::table() const {

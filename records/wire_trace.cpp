@@ -19,7 +19,7 @@ QString answerNote(const Exchange& exchange) {
 } // namespace
 
 WireTrace::WireTrace(EventPump& pump, qsizetype capacity)
-    : m_pump(pump), m_pairing(pump, PmsMode::Hotel, 0), m_capacity(qMax<qsizetype>(1, capacity)) {
+    : m_pump(pump), m_pairing(pump, PmsMode::Hotel, 0), m_capacity(qMax<qsizetype>(0, capacity)) {
     connect(&m_pairing, &ExchangePairing::ended, this, &WireTrace::onEnded);
 }
 
@@ -35,6 +35,10 @@ void WireTrace::clear() {
 
 void WireTrace::add(WireRow row) {
     Q_EMIT rowAdded(row);
+    if (m_capacity == 0) {
+        ++m_dropped;
+        return;
+    }
     if (m_rows.size() < m_capacity) {
         m_rows.append(std::move(row));
         return;

@@ -30,6 +30,7 @@ struct WireRow {
 class WireTrace : public QObject {
     Q_OBJECT
 public:
+    // `capacity` 0 keeps no rows: they are only announced.
     WireTrace(EventPump& pump, qsizetype capacity = 100'000);
 
     void sent(const QByteArray& bytes, PmsMode mode);

@@ -16,12 +16,12 @@ bool breaksALine(const QString& text) {
 } // namespace
 
 ScriptLearner::ScriptLearner(PmsMode mode, Protocol protocol, bool waits,
-                             std::function<void(const QString&)> write)
+                             std::function<void(const QString&, int)> write)
     : m_mode(mode), m_waits(waits), m_write(std::move(write)) {
     QString header = scriptHeader(mode, protocol);
     if (!header.isEmpty()) {
         header.chop(2); // the line end is the writer's
-        m_write(header);
+        m_write(header, 0);
     }
 }
 
@@ -30,9 +30,8 @@ void ScriptLearner::sessionStarted(double seconds) {
 }
 
 void ScriptLearner::learn(const QString& line, double seconds) {
-    m_write(line);
+    m_write(line, ++m_learned);
     m_lastSeconds = seconds;
-    ++m_learned;
 }
 
 void ScriptLearner::acknowledged(const QByteArray& frame, double seconds) {

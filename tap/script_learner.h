@@ -16,9 +16,10 @@ namespace larkspur::tap {
 // wait, played back, is long enough.
 class ScriptLearner {
 public:
-    // `write` takes each line without its line end.
+    // `write` takes each line without its line end, and how many commands were learned with it
+    // (none with the header).
     ScriptLearner(PmsMode mode, Protocol protocol, bool waits,
-                  std::function<void(const QString&)> write);
+                  std::function<void(const QString& line, int learned)> write);
 
     // A session began `seconds` in (on the pump's clock): the first wait counts from here.
     void sessionStarted(double seconds);
@@ -37,7 +38,7 @@ private:
 
     PmsMode m_mode;
     bool m_waits;
-    std::function<void(const QString&)> m_write;
+    std::function<void(const QString&, int)> m_write;
     double m_lastSeconds = 0;
     int m_learned = 0;
     int m_passedOver = 0;

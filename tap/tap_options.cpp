@@ -88,7 +88,8 @@ OptionTable tapTable(TapOptions& o) {
             {"--learn",
              {"SCRIPT"},
              "write what the PMS did as a script: one line per transaction the PBX\n"
-             "acknowledged, as the window's recorder writes it",
+             "acknowledged, as the window's recorder writes it, and a closing\n"
+             "comment line, so that it replays whole",
              takeText(o.learn)},
             {"--learn-waits",
              {},

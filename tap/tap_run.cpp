@@ -111,6 +111,7 @@ int runTap(const TapOptions& o) {
             return exitcode::usage;
         }
     }
+    QtEventPump pump;
     std::unique_ptr<LearnedScriptFile> learnFile;
     std::unique_ptr<ScriptLearner> learner;
     if (!o.learn.isEmpty()) {
@@ -123,10 +124,12 @@ int runTap(const TapOptions& o) {
         }
         learner = std::make_unique<ScriptLearner>(
             o.mode, o.protocol, o.learnWaits,
-            [file = learnFile.get()](const QString& line) { file->write(line); });
+            [&o, &pump, file = learnFile.get(), since = pump.currentDateTime()](const QString& line,
+                                                                                int learned) {
+                file->write(line, closingLine(since, pump.currentDateTime(), o, learned));
+            });
     }
 
-    QtEventPump pump;
     RunStatistics statistics;
     const TrafficAnalysis::Setup setup{
         .mode = o.mode,

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "common/test_process.h"
+
 #include <QByteArray>
-#include <QProcess>
 #include <QStringList>
 
 #include <functional>
@@ -52,6 +53,7 @@ public:
     bool start(int timeoutMs = 10000);
 
     quint16 port() const { return m_port; }
+    qint64 pid() const { return m_process.processId(); }
     QString ptyPath() const { return m_ptyPath; }
 
     const QStringList& traceLines() const { return m_output.traceLines(); }
@@ -73,7 +75,7 @@ public:
 
 private:
     QStringList m_arguments;
-    QProcess m_process;
+    TestProcess m_process;
     PbxSimOutput m_output;
     QByteArray m_stderr;
     quint16 m_port = 0;

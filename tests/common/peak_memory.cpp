@@ -2,10 +2,12 @@
 
 #include <QFile>
 
+#include <csignal>
 #include <fcntl.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace larkspur::test {
@@ -21,15 +23,21 @@ long peakKilobytesOfRun(const QList<QByteArray>& arguments, const QString& home,
     QByteArray homeVariable = "HOME=" + QFile::encodeName(home);
     QByteArray platform = "QT_QPA_PLATFORM=offscreen";
     std::vector<char*> env = {homeVariable.data(), platform.data(), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned =
-        posix_spawn(&pid, program.constData(), &actions, nullptr, argv.data(), env.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
+    // As a TestProcess would be, so that it goes down with the test; wait4 gives its peak.
+    const pid_t parent = ::getpid();
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        // Only calls that are safe between fork and exec in a program with threads.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (::getppid() != parent || null < 0)
+            ::_exit(127);
+        ::dup2(null, 1);
+        ::dup2(null, 2);
+        ::execve(program.constData(), argv.data(), env.data());
+        ::_exit(127);
+    }
+    if (pid < 0)
         return -1;
     int status = 0;
     rusage usage{};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/pbxsim_process.h"
+#include "common/test_process.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,7 +17,7 @@ namespace larkspur::test {
 class PlayerFixture : public ::testing::Test {
 protected:
     QTemporaryDir home;
-    QProcess run;
+    TestProcess run;
     QByteArray out, err;
 
     void SetUp() override {
@@ -41,12 +42,12 @@ protected:
     void start(const QStringList& arguments) {
         startProgram(QStringLiteral(LARKSPUR_RUN_PATH), arguments);
     }
-    // Starts it with its clock at `timeOfDay` ("23:59:58") today, through faketime.
-    void startAt(const QString& timeOfDay, const QStringList& arguments) {
-        const QString now =
-            QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd ")) + timeOfDay;
-        startProgram(QStringLiteral("faketime"),
-                     QStringList{now, QStringLiteral(LARKSPUR_RUN_PATH)} + arguments);
+    // Starts it with its clock at `clockStart`.
+    void startAt(const QDateTime& clockStart, const QStringList& arguments) {
+        QProcessEnvironment env = run.processEnvironment();
+        env.insert(QStringLiteral("LARKSPUR_CLOCK_START"), clockStart.toString(Qt::ISODate));
+        run.setProcessEnvironment(env);
+        start(arguments);
     }
     // Runs to the end (bounded) and gives the exit status: -1 when it had to be killed, -2 when
     // it crashed.
@@ -64,7 +65,7 @@ protected:
     }
     // What xmllint finds wrong with the JUnit report at `path`; empty when it validates.
     static QString schemaProblems(const QString& path) {
-        QProcess xmllint;
+        TestProcess xmllint;
         xmllint.start(QStringLiteral("xmllint"),
                       {QStringLiteral("--noout"), QStringLiteral("--schema"),
                        QStringLiteral(LARKSPUR_SOURCE_DIR "/tests/data/junit-10.xsd"), path});
@@ -97,15 +98,15 @@ protected:
         return QStringLiteral("127.0.0.1:%1").arg(sim.port());
     }
 
-    // Starts it with its standard output piped into `reader`, a shell command such as "head -3";
-    // the exit status is its own.
+    // Starts it with its standard output piped into `reader`, a command such as "head -3",
+    // whose output is collected instead; the exit status is its own.
     void startPipedInto(const QString& reader, const QStringList& arguments) {
-        startProgram(
-            QStringLiteral("bash"),
-            QStringList{QStringLiteral("-c"),
-                        QStringLiteral("\"$0\" \"$@\" | %1; exit \"${PIPESTATUS[0]}\"").arg(reader),
-                        QStringLiteral(LARKSPUR_RUN_PATH)} +
-                arguments);
+        QStringList command = QProcess::splitCommand(reader);
+        run.setStandardOutputProcess(&m_reader);
+        QObject::connect(&m_reader, &QProcess::readyReadStandardOutput,
+                         [this] { out += m_reader.readAllStandardOutput(); });
+        start(arguments);
+        m_reader.start(command.takeFirst(), command);
     }
 
 private:
@@ -117,6 +118,7 @@ private:
     }
 
     QString m_junit;
+    TestProcess m_reader;
 };
 
 } // namespace larkspur::test

@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScreen>
+#include <QStatusBar>
 #include <QTest>
 
 #include <functional>
@@ -324,6 +326,15 @@ TEST_F(MainWindowTest, ClosingWhenIdleDisconnectsPausesAndStores) {
     EXPECT_GE(pump.elapsedMs() - before, 1000);
     settings.sync();
     EXPECT_EQ(settings.value("Startup/IP_Address").toString(), "127.0.0.1");
+}
+
+TEST_F(MainWindowTest, OpensWhollyInSightOnTheSmallestScreen) {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    ASSERT_EQ(screen->availableGeometry(), QRect(0, 0, 1280, 800));
+    EXPECT_TRUE(screen->availableGeometry().contains(window().frameGeometry()))
+        << window().frameGeometry().width() << "x" << window().frameGeometry().height();
+    const QStatusBar* status = window().statusBar();
+    EXPECT_TRUE(window().rect().contains(status->geometry()));
 }
 
 } // namespace

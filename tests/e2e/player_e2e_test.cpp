@@ -95,6 +95,63 @@ TEST_F(Player, AConverterThatJoinsMessagesIsSplitOnlyWhenAsked) {
     }
 }
 
+TEST_F(Player, AWaitWithoutItsMessageExitsOneWhileTheEndNoticeCountsTransactionsOnly) {
+    // Each message comes a second into the wait: the pause after the check-in takes the first.
+    const QString completed = "larkspur-run: Script file completed";
+    const struct {
+        const char* name;
+        QByteArray script;
+        QStringList pbx;
+        int status;
+        QString endNotice;
+        const char* junitCounts;
+    } cases[] = {
+        {"a plain wait that times out",
+         "CHK1   101\r\nWAIT STS2   101 2\r\n;\r\n",
+         {},
+         1,
+         completed,
+         "tests=\"2\" failures=\"1\""},
+        {"a wait with notice that times out",
+         "CHK1   101\r\nNTFY STS2   101 2\r\n;\r\n",
+         {},
+         1,
+         completed,
+         "tests=\"2\" failures=\"1\""},
+        {"a wait that gets its message",
+         "CHK1   101\r\nWAIT STS2   101 3\r\n;\r\n",
+         {"--after", "CHK1", "2", "STS2   101"},
+         0,
+         completed,
+         "tests=\"2\" failures=\"0\""},
+        {"a wait that sees another message before its own",
+         "CHK1   101\r\nWAIT STS2   101 3\r\n;\r\n",
+         {"--after", "CHK1", "1.5", "STS1   101", "--after", "CHK1", "2", "STS2   101"},
+         0,
+         completed,
+         "tests=\"2\" failures=\"1\""},
+        {"a refused check-out and a wait that times out",
+         "CHK0   101\r\nWAIT STS2   101 1\r\n;\r\n",
+         {"--on-frame", "nak"},
+         1,
+         "larkspur-run: Script file ended!  There were 1 Errors View Log for details",
+         "tests=\"2\" failures=\"2\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        out.clear();
+        err.clear();
+        const QString junit = home.filePath("report.xml");
+        start(QStringList{"--dry-run", "--junit", junit, script(c.script)} + c.pbx);
+        EXPECT_EQ(finish(), c.status) << err.toStdString();
+        EXPECT_TRUE(errLines().contains(c.endNotice)) << err.toStdString();
+        QFile report(junit);
+        ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+        const QByteArray xml = report.readAll();
+        EXPECT_TRUE(xml.contains(c.junitCounts)) << xml.toStdString();
+    }
+}
+
 TEST_F(Player, UnreachablePortExitsTwoWithinTheTimeout) {
     QElapsedTimer clock;
     clock.start();

@@ -4,13 +4,10 @@
 #include "common/player_fixture.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace larkspur::test;
 
@@ -25,26 +22,57 @@ QByteArray repeated(const QByteArray& line, int times) {
     return out + ";\r\n";
 }
 
+// When each wait timed out, by the run's own clock, from its error report.
+QList<QDateTime> timeOuts(const QString& errorReport) {
+    static const QRegularExpression record(
+        QStringLiteral("^(\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d): Time expired"));
+    QFile f(errorReport);
+    f.open(QIODevice::ReadOnly);
+    QList<QDateTime> times;
+    for (const QString& line : QString::fromLatin1(f.readAll()).split(u'\n')) {
+        const QRegularExpressionMatch match = record.match(line);
+        if (match.hasMatch())
+            times << QDateTime::fromString(match.captured(1),
+                                           QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    }
+    return times;
+}
+
 TEST_F(Lasting, WaitsKeepTheirLengthAcrossMidnight) {
-    // The dry run's virtual clock starts at the wall clock's time: ten seconds before midnight.
-    startAt("23:59:50", {"--dry-run", script(repeated("WAIT STS1   101 9\r\nCHK1   101\r\n", 5))});
-    EXPECT_EQ(finish(30'000), 0) << err.toStdString();
+    const QDate day(2026, 1, 5);
+    const QDateTime midnight(day.addDays(1), QTime(0, 0));
+    const QString errors = home.filePath("errors.txt");
+
+    // A dry run whose clock starts ten seconds before midnight: five waits of nine seconds.
+    startAt(QDateTime(day, QTime(23, 59, 50)),
+            {"--dry-run", "--error-report", errors,
+             script(repeated("WAIT STS1   101 9\r\nCHK1   101\r\n", 5))});
+    EXPECT_EQ(finish(30'000), 1) << err.toStdString();
     EXPECT_EQ(outLines().count("Time expired.  Did not receive--> sts1"), 5);
+    const QList<QDateTime> dryRun = timeOuts(errors);
+    ASSERT_EQ(dryRun.size(), 5);
+    EXPECT_GT(dryRun.last(), midnight);
+    for (qsizetype i = 1; i < dryRun.size(); ++i)
+        EXPECT_GE(dryRun[i - 1].secsTo(dryRun[i]), 9) << i;
 
     // A real run against a PBX that says nothing, started two seconds before midnight.
     PbxSimProcess sim;
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     out.clear();
-    startAt("23:59:58", {"--tcp", tcp(sim), script("WAIT STS1   101 3\r\n;\r\n")});
-    EXPECT_EQ(finish(30'000), 0) << err.toStdString();
+    startAt(QDateTime(day, QTime(23, 59, 58)),
+            {"--tcp", tcp(sim), "--error-report", errors, script("WAIT STS1   101 3\r\n;\r\n")});
+    EXPECT_EQ(finish(30'000), 1) << err.toStdString();
     EXPECT_TRUE(outLines().contains("Time expired.  Did not receive--> sts1"));
+    const QList<QDateTime> realRun = timeOuts(errors);
+    ASSERT_EQ(realRun.size(), 1);
+    EXPECT_GE(realRun.first(), midnight.addSecs(1)) << "three seconds from 23:59:58 at least";
 }
 
 TEST_F(Lasting, WaitsKeepTheirLengthPastTheFirstDay) {
     // 9,000 waits of nine seconds, each timing out, and the pauses between them, are more than
     // a virtual day.
     start({"--dry-run", script(repeated("WAIT STS1   101 9\r\n", 9000))});
-    EXPECT_EQ(finish(), 0) << err.toStdString();
+    EXPECT_EQ(finish(), 1) << err.toStdString();
     EXPECT_EQ(outLines().count("Time expired.  Did not receive--> sts1"), 9000);
 }
 
@@ -131,46 +159,21 @@ TEST_F(Lasting, ACheckThatCannotBeWrittenWholeEndsWithItsOwnStatus) {
         << err.toStdString();
 }
 
-// Runs the built simulator on an ephemeral port with its standard output on a pipe, reads the
-// line that names the port, and closes the pipe, as `larkspur-pbxsim | head -1` does. The
-// simulator's pid, or -1.
-pid_t simulatorWithClosedOutput(quint16& port) {
-    int out[2];
-    if (::pipe(out) != 0)
-        return -1;
-    const QByteArray program = QFile::encodeName(PbxSimProcess::program());
-    char* argv[] = {const_cast<char*>(program.constData()), const_cast<char*>("--listen"),
-                    const_cast<char*>("127.0.0.1:0"), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-    posix_spawn_file_actions_addclose(&actions, out[0]);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    pid_t pid = -1;
-    const int spawned = posix_spawn(&pid, program.constData(), &actions, nullptr, argv, environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(out[1]);
-    QByteArray first;
-    char c = 0;
-    while (spawned == 0 && ::read(out[0], &c, 1) == 1 && c != '\n')
-        first += c;
-    ::close(out[0]);
-    port = quint16(first.mid(first.lastIndexOf(':') + 1).toUInt());
-    return spawned == 0 && port != 0 ? pid : -1;
-}
-
 TEST_F(Lasting, TheSimulatorOutlivesItsClosedStandardOutput) {
-    quint16 port = 0;
-    const pid_t sim = simulatorWithClosedOutput(port);
-    ASSERT_GT(sim, 0);
+    // larkspur-pbxsim | head -1: the line that names the port, then nobody reads.
+    TestProcess sim, head;
+    sim.setStandardOutputProcess(&head);
+    sim.start(PbxSimProcess::program(), {"--listen", "127.0.0.1:0"});
+    head.start("head", {"-1"});
+    ASSERT_TRUE(head.waitForFinished(10'000));
+    const QByteArray first = head.readAllStandardOutput().trimmed();
+    const quint16 port = quint16(first.mid(first.lastIndexOf(':') + 1).toUInt());
+    ASSERT_NE(port, 0) << first.toStdString();
     for (int round = 0; round < 2; ++round) {
         start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(port), script("CHK1   101\r\n;\r\n")});
         EXPECT_EQ(finish(), 0) << err.toStdString();
     }
-    int status = 0;
-    EXPECT_EQ(::waitpid(sim, &status, WNOHANG), 0) << "the simulator ended";
-    ::kill(sim, SIGTERM);
-    ::waitpid(sim, &status, 0);
+    EXPECT_EQ(sim.state(), QProcess::Running) << "the simulator ended";
 }
 
 // The peak resident memory of a dry run of `script` with every report on, in kilobytes.

@@ -1,8 +1,8 @@
 // larkspur-tap as a process between larkspur-run and larkspur-pbxsim, and between sockets the
 // test plays by hand, over loopback TCP: the learned script's round trip, the bytes both ways,
 // the trace and the statistics, hang-ups, floods and a trace nobody reads.
-#include "common/player_fixture.h"
 #include "common/qt_printers.h"
+#include "learned_replay.h"
 #include "protocol/readable_notation.h"
 #include "protocol/vmail_frame.h"
 #include "tap/tap_options.h"
@@ -110,15 +110,18 @@ void expectInOrder(const TapProcess& tap, const QStringList& patterns) {
     }
 }
 
-class TapEndToEnd : public PlayerFixture {
+class TapEndToEnd : public LearnedReplay {
 protected:
+    const QString learnedPath = home.filePath("learned.txt");
+    QByteArray pbxHeard; // what the PBX heard from the PMS through the tap
+
     // Plays `script` with larkspur-run through the tap (TCP relay, --once) to the simulator,
-    // and checks what the tap learned, relayed, traced and counted.
+    // and checks what the tap learned (`commands` lines, then its closing line), relayed,
+    // traced and counted.
     void roundTrip(const QStringList& simArguments, const QStringList& tapArguments,
-                   const QByteArray& script, const QByteArray& learned) {
+                   const QByteArray& script, const QByteArray& learned, int commands) {
         PbxSimProcess sim(simArguments);
         ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
-        const QString learnedPath = home.filePath("learned.txt");
         TapProcess tap(QStringList{"--listen", "127.0.0.1:0", "--pbx", tcp(sim), "--learn",
                                    learnedPath, "--once"} +
                        tapArguments);
@@ -129,9 +132,7 @@ protected:
         EXPECT_EQ(finish(), 0) << err.toStdString();
         EXPECT_EQ(tap.waitForExit(), 0) << tap.diagnostics();
 
-        QFile file(learnedPath);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), learned);
+        EXPECT_EQ(learnedLines(learnedPath, commands), learned);
 
         // What one side sent is what the other got, byte for byte, both ways.
         QFile trace(runTrace);
@@ -140,9 +141,10 @@ protected:
         sim.stop();
         const QByteArray pmsSent = bytesOf(runRows, "TX");
         const QByteArray pbxSent = bytesOf(sim.traceLines(), "TX");
+        pbxHeard = bytesOf(sim.traceLines(), "RX");
         EXPECT_FALSE(pmsSent.isEmpty());
         EXPECT_FALSE(pbxSent.isEmpty());
-        EXPECT_TRUE(bytesOf(sim.traceLines(), "RX") == pmsSent);
+        EXPECT_TRUE(pbxHeard == pmsSent);
         EXPECT_TRUE(bytesOf(runRows, "RX") == pbxSent);
 
         // The tap's statistics agree with larkspur-run's on everything the PMS sent.
@@ -161,7 +163,7 @@ protected:
 };
 
 TEST_F(TapEndToEnd, AHotelScriptComesBackLineForLine) {
-    roundTrip({}, {}, hotelScript, withoutComments(hotelScript));
+    roundTrip({}, {}, hotelScript, withoutComments(hotelScript), 19);
 }
 
 TEST_F(TapEndToEnd, WaitsComeBackWithDigitsThatMeetThemAgain) {
@@ -171,23 +173,57 @@ TEST_F(TapEndToEnd, WaitsComeBackWithDigitsThatMeetThemAgain) {
                               "CHK0   101\r\n"
                               "WAIT MR 0001  101 2\r\n"
                               ";\r\n";
-    roundTrip({"--after", "CHK1", "2.5", "STS2   101", "--after", "CHK0", "1.5", "MR 0001  101",
-               "--split", "3", "--split-gap", "0.02"},
-              {"--learn-waits"}, script, withoutComments(script));
+    const QStringList pbx = {"--after", "CHK1", "2.5",         "STS2   101",
+                             "--after", "CHK0", "1.5",         "MR 0001  101",
+                             "--split", "3",    "--split-gap", "0.02"};
+    roundTrip(pbx, {"--learn-waits"}, script, withoutComments(script), 4);
     EXPECT_TRUE(outLines().contains("successfully received --> sts2"));
     EXPECT_TRUE(outLines().contains("successfully received --> mr"));
+
+    // Played back, the learned script says to the PBX what the PMS said, the check-out too,
+    // and meets the waits again.
+    EXPECT_TRUE(heardReplaying(learnedPath, pbx, false) == pbxHeard);
+    EXPECT_TRUE(outLines().contains("Sending   -->CHK0   101")) << out.toStdString();
+    EXPECT_TRUE(outLines().contains("successfully received --> mr")) << out.toStdString();
 }
 
 TEST_F(TapEndToEnd, AVoiceMailScriptComesBackInTheHisProtocol) {
     const QByteArray script = vmailScript(Protocol::His, true);
     roundTrip({"--mode", "VMAIL"}, {"--mode", "VMAIL", "--protocol", "HIS"}, script,
-              withoutComments(script));
+              withoutComments(script), 9);
 }
 
-TEST_F(TapEndToEnd, AVoiceMailScriptComesBackInTheHyattProtocol) {
+TEST_F(TapEndToEnd, AVoiceMailScriptComesBackInTheHyattProtocolAndReplaysWhole) {
     const QByteArray script = vmailScript(Protocol::Hyatt, false);
     roundTrip({"--mode", "VMAIL"}, {"--mode", "VMAIL", "--protocol", "HYATT"}, script,
-              withoutComments(script));
+              withoutComments(script), 3);
+    EXPECT_TRUE(heardReplaying(learnedPath, {"--mode", "VMAIL"}, false) == pbxHeard);
+}
+
+TEST_F(TapEndToEnd, AScriptLearnedByATapKilledMidSessionReplaysAllItLearned) {
+    // The run is still waiting, its session open, when the tap is killed.
+    const QByteArray script = "CHK1   101\r\n"
+                              "NAM1 Smith                  101\r\n"
+                              "CHK0   101\r\n"
+                              "WAIT STS1   101 9\r\n"
+                              ";\r\n";
+    PbxSimProcess sim;
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    TapProcess tap({"--listen", "127.0.0.1:0", "--pbx", tcp(sim), "--learn", learnedPath});
+    ASSERT_TRUE(tap.start()) << tap.diagnostics();
+    start({"--tcp", QStringLiteral("127.0.0.1:%1").arg(tap.port()), this->script(script)});
+    ASSERT_TRUE(waitUntil([&] { return contents(learnedPath).contains("CHK0   101"); }, 30'000))
+        << tap.diagnostics();
+    EXPECT_EQ(tap.stop(SIGKILL), -1);
+    EXPECT_EQ(finish(), 4) << "the link went with the tap";
+    sim.stop();
+    const QByteArray heard = bytesOf(sim.traceLines(), "RX");
+
+    EXPECT_EQ(learnedLines(learnedPath, 3), "CHK1   101\r\n"
+                                            "NAM1 Smith                  101\r\n"
+                                            "CHK0   101\r\n");
+    EXPECT_TRUE(heardReplaying(learnedPath, {}, false) == heard);
+    EXPECT_TRUE(outLines().contains("Sending   -->CHK0   101")) << out.toStdString();
 }
 
 TEST_F(TapEndToEnd, TheTraceShowsRefusalsAndRetries) {
@@ -543,7 +579,7 @@ TEST_F(TapHandPlayed, MemoryStaysFlatOverManyExchanges) {
 }
 
 TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
-    QProcess process;
+    TestProcess process;
     process.start(TapProcess::program(), {"--listen", "127.0.0.1:0"});
     ASSERT_TRUE(process.waitForFinished(10000));
     EXPECT_EQ(process.exitCode(), 64);
@@ -558,7 +594,7 @@ TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
 TEST(TapCommandLine, APortInUseIsNoLink) {
     QTcpServer taken;
     taken.listen(QHostAddress::LocalHost, 0);
-    QProcess tap;
+    TestProcess tap;
     tap.start(TapProcess::program(),
               {"--listen", QStringLiteral("127.0.0.1:%1").arg(taken.serverPort()), "--pbx",
                "127.0.0.1:1"});

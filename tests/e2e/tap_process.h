@@ -1,7 +1,8 @@
 #pragma once
 
+#include "common/test_process.h"
+
 #include <QByteArray>
-#include <QProcess>
 #include <QStringList>
 
 namespace larkspur::test {
@@ -51,7 +52,7 @@ private:
 
     QStringList m_arguments;
     QString m_traceFile; // where the trace is read when standard output goes elsewhere
-    QProcess m_process;
+    TestProcess m_process;
     QByteArray m_stdout;
     QByteArray m_stderr;
 };

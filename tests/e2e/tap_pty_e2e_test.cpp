@@ -1,10 +1,10 @@
 // larkspur-tap on serial ports, played by pseudo-terminals: the serial relay between larkspur-run
 // and larkspur-pbxsim, the passive monitor on a Y-cable, and each side hanging up.
-#include "common/player_fixture.h"
 #include "common/qt_printers.h"
+#include "learned_replay.h"
 #include "protocol/readable_notation.h"
+#include "protocol/vmail_frame.h"
 #include "tap_cable.h"
-#include "tap_process.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -26,6 +26,7 @@ const QByteArray learnedScript = "CHK1   101\r\n"
                                  "WAIT STS2   101 2\r\n"
                                  "NAM1 Smith                  101\r\n"
                                  "CHK0   101\r\n";
+const int learnedCommands = 4;
 // The status comes 1.5 s after the check-in, trickled at 1200 baud.
 const QStringList simArguments = {"--pty",      "--after",      "CHK1", "1.5",
                                   "STS2   101", "--line-speed", "1200"};
@@ -33,8 +34,21 @@ const QStringList simArguments = {"--pty",      "--after",      "CHK1", "1.5",
 // second before they take a frame whose end has not come for a piece of garbage.
 const QStringList patientFrames = {"--frame-gap", "1000"};
 
-class TapOverPtys : public PlayerFixture {
+class TapOverPtys : public LearnedReplay {
 protected:
+    const QString learnedPath = home.filePath("learned.txt");
+
+    // Plays `played` with larkspur-run on `port` through the serial relay to `sim`: what the
+    // PBX heard.
+    QByteArray relay(const QString& port, PbxSimProcess& sim, TapProcess& tap,
+                     const QByteArray& played) {
+        start(QStringList{"--serial", port, "--line", "9600,N,8,1", script(played)} +
+              patientFrames);
+        EXPECT_EQ(finish(), 0) << err.toStdString() << tap.diagnostics();
+        sim.stop();
+        return bytesOf(sim.traceLines(), "RX");
+    }
+
     // Plays the script with larkspur-run on `port`, and checks what crossed and what was learned.
     void play(const QString& port, PbxSimProcess& sim, TapProcess& tap) {
         const QString runTrace = home.filePath("run-trace.txt");
@@ -58,10 +72,6 @@ protected:
             return bytesOf(runRows, "RX") == bytesOf(sim.traceLines(), "TX");
         })) << tap.diagnostics();
     }
-    QByteArray learned() {
-        QFile file(home.filePath("learned.txt"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
 };
 
 TEST_F(TapOverPtys, TheSerialRelayPassesEverythingAndLearnsTheScript) {
@@ -73,8 +83,7 @@ TEST_F(TapOverPtys, TheSerialRelayPassesEverythingAndLearnsTheScript) {
     cable.route(tapPmsPort, pmsPort);
     cable.start();
     TapProcess tap(QStringList{"--pms-serial", cable.path(tapPmsPort), "--pbx-serial",
-                               sim.ptyPath(), "--learn", home.filePath("learned.txt"),
-                               "--learn-waits", "--once"} +
+                               sim.ptyPath(), "--learn", learnedPath, "--learn-waits", "--once"} +
                    patientFrames);
     ASSERT_TRUE(tap.start()) << tap.diagnostics();
     EXPECT_EQ(tap.lines().value(0),
@@ -88,7 +97,46 @@ TEST_F(TapOverPtys, TheSerialRelayPassesEverythingAndLearnsTheScript) {
     EXPECT_EQ(tap.waitForExit(), 0) << tap.diagnostics();
     EXPECT_EQ(tap.lines().filter(QRegularExpression("^-- the PMS hung up \\(serial ")).size(), 1)
         << tap.diagnostics();
-    EXPECT_EQ(learned(), learnedScript) << tap.diagnostics();
+    EXPECT_EQ(learnedLines(learnedPath, learnedCommands), learnedScript) << tap.diagnostics();
+
+    // Played back over a serial line, the learned script says to the PBX what the PMS said,
+    // the check-out too, and meets its wait again.
+    sim.stop();
+    const QByteArray heard = bytesOf(sim.traceLines(), "RX");
+    EXPECT_TRUE(heardReplaying(learnedPath, simArguments, true) == heard);
+    EXPECT_TRUE(outLines().contains("Sending   -->CHK0   101")) << out.toStdString();
+    EXPECT_TRUE(outLines().contains("successfully received --> sts2")) << out.toStdString();
+}
+
+TEST_F(TapOverPtys, AVoiceMailScriptLearnedOnTheSerialRelayReplaysWhole) {
+    const char* const operations[][3] = {
+        {"2", "4001", ""}, {"7", "4001", "4002"}, {"3", "4002", ""}};
+    QByteArray played = "VMAILHIS\r\n";
+    for (const auto& operation : operations) {
+        bool recognized = false;
+        played +=
+            build_vmail_message(operation[0], operation[1], operation[2], Protocol::His, recognized)
+                .toLatin1() +
+            "~\r\n";
+    }
+    PbxSimProcess sim({"--pty", "--mode", "VMAIL"});
+    ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
+    TapCable cable;
+    const int pmsPort = cable.addPty(), tapPmsPort = cable.addPty();
+    cable.route(pmsPort, tapPmsPort);
+    cable.route(tapPmsPort, pmsPort);
+    cable.start();
+    TapProcess tap(QStringList{"--pms-serial", cable.path(tapPmsPort), "--pbx-serial",
+                               sim.ptyPath(), "--mode", "VMAIL", "--protocol", "HIS", "--learn",
+                               learnedPath} +
+                   patientFrames);
+    ASSERT_TRUE(tap.start()) << tap.diagnostics();
+    const QByteArray heard = relay(cable.path(pmsPort), sim, tap, played + ";\r\n");
+    ASSERT_TRUE(waitUntil([&] { return contents(learnedPath).contains("4002  \x03"); }, 10'000))
+        << tap.diagnostics();
+    EXPECT_EQ(learnedLines(learnedPath, 3), played);
+    EXPECT_TRUE(heardReplaying(learnedPath, {"--mode", "VMAIL"}, true) == heard);
+    EXPECT_TRUE(outLines().contains("CHECK OUT: 4002  ")) << out.toStdString();
 }
 
 TEST_F(TapOverPtys, APbxThatHangsUpEndsTheSessionAndThePortsAreOpenedAgain) {
@@ -129,8 +177,8 @@ TEST_F(TapOverPtys, ThePassiveMonitorHearsBothSidesAndSendsNothing) {
     cable.route(pbx, hearsPbx);
     cable.start();
     TapProcess tap(QStringList{"--monitor-pms", cable.path(hearsPms), "--monitor-pbx",
-                               cable.path(hearsPbx), "--learn", home.filePath("learned.txt"),
-                               "--learn-waits", "--once"} +
+                               cable.path(hearsPbx), "--learn", learnedPath, "--learn-waits",
+                               "--once"} +
                    patientFrames);
     ASSERT_TRUE(tap.start()) << tap.diagnostics();
     EXPECT_EQ(tap.lines().value(0), QStringLiteral("-- monitor hearing the PMS on %1 and the PBX "
@@ -144,7 +192,7 @@ TEST_F(TapOverPtys, ThePassiveMonitorHearsBothSidesAndSendsNothing) {
     EXPECT_EQ(tap.waitForExit(), 0) << tap.diagnostics();
     EXPECT_EQ(tap.lines().filter(QRegularExpression("^-- the PMS hung up \\(serial ")).size(), 1)
         << tap.diagnostics();
-    EXPECT_EQ(learned(), learnedScript) << tap.diagnostics();
+    EXPECT_EQ(learnedLines(learnedPath, learnedCommands), learnedScript) << tap.diagnostics();
 }
 
 } // namespace

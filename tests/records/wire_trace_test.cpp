@@ -91,6 +91,22 @@ TEST(WireTraceRing, KeepsTheNewestRows) {
     EXPECT_EQ(WireTrace::format(trace.row(2)), "01:02:03.004 RX e   | 65");
 }
 
+TEST(WireTraceRing, WithoutCapacityKeepsNoRowButAnnouncesEveryOneAndEndsExchanges) {
+    VirtualEventPump pump;
+    WireTrace trace(pump, 0);
+    int announced = 0;
+    QList<Exchange::Outcome> ended;
+    QObject::connect(&trace, &WireTrace::rowAdded, [&] { ++announced; });
+    QObject::connect(&trace, &WireTrace::exchangeEnded,
+                     [&](const Exchange& exchange) { ended << exchange.outcome; });
+    trace.sent("\x05", PmsMode::Hotel);
+    trace.received("\x06", PmsMode::Hotel);
+    trace.received("e", PmsMode::Hotel);
+    EXPECT_EQ(announced, 3);
+    EXPECT_EQ(trace.size(), 0);
+    EXPECT_EQ(ended, QList{Exchange::Outcome::Acknowledged});
+}
+
 TEST(WireTraceTypes, NamesMessages) {
     struct Case {
         QByteArray frame;

@@ -104,7 +104,7 @@ TEST(PbxSimProcess, ExitsWithAStatusThatSaysWhatWentWrong) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.arguments.join(' ').toStdString());
-        QProcess process;
+        TestProcess process;
         process.start(PbxSimProcess::program(), c.arguments);
         ASSERT_TRUE(process.waitForFinished(10000));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);

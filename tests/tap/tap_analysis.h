@@ -31,7 +31,7 @@ public:
     explicit TapAnalysis(const TapSetup& setup = TapSetup{})
         : learner(setup.learn ? std::make_unique<ScriptLearner>(
                                     setup.mode, setup.protocol, setup.waits,
-                                    [this](const QString& line) { learned << line; })
+                                    [this](const QString& line, int) { learned << line; })
                               : nullptr),
           analysis(
               pump, {setup.mode, setup.frameGapMs, setup.monitor, setup.splitJoined},

@@ -1,6 +1,7 @@
 #include "console/main_window.h"
 
 #include "assembly/assembly.h"
+#include "console/choice_list.h"
 #include "console/log_view.h"
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
@@ -84,7 +85,7 @@ QLabel* MainWindow::label(const char* name) {
 }
 
 QComboBox* MainWindow::list(const char* name, const QStringList& entries) {
-    auto* c = new QComboBox(this);
+    auto* c = new ChoiceList(this);
     c->addItems(entries);
     // Nothing chosen until the operator chooses.
     c->setCurrentIndex(-1);

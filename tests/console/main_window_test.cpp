@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -260,6 +261,39 @@ TEST_F(MainWindowTest, ButtonsReachTheSession) {
     EXPECT_EQ(session.cmb_restrict(), "long distant call");
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "RST2   101\x03")));
+}
+
+TEST_F(MainWindowTest, AWheelOverAListWithoutTheFocusChoosesNothing) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    QApplication::setActiveWindow(&window());
+    const auto turnWheel = [](QWidget* list) {
+        const QPointF at(list->width() / 2.0, list->height() / 2.0);
+        QWheelEvent down(at, list->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
+                         Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(list, &down);
+    };
+    // The restriction sends, the expectation lists start a wait.
+    const std::pair<const char*, const char*> lists[] = {{"cmb_restrict", "RST0   101"},
+                                                         {"cmb_notify", "send notify for --> ack"},
+                                                         {"cmb_wait", "waiting for --> ack"}};
+    for (const auto& [name, acted] : lists) {
+        auto* list = find<QComboBox>(name);
+        find<QLineEdit>("txt_suite_1")->setFocus();
+        const QString before = session.log.logText();
+        tcp.written.clear();
+        turnWheel(list);
+        EXPECT_FALSE(list->hasFocus()) << name;
+        EXPECT_EQ(list->currentIndex(), -1) << name;
+        EXPECT_TRUE(tcp.written.isEmpty()) << name;
+        EXPECT_EQ(session.log.logText(), before) << name;
+
+        list->setFocus();
+        turnWheel(list);
+        EXPECT_EQ(list->currentIndex(), 0) << "with the focus the wheel chooses: " << name;
+        EXPECT_TRUE(session.log.logText().mid(before.size()).contains(acted)) << name;
+    }
 }
 
 TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {

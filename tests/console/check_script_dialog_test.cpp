@@ -106,6 +106,10 @@ TEST_F(CheckScriptTest, RunsTheCheckedScriptOnlyWhenRunScriptCould) {
     dialog = openCheck(scriptFile("CHK1   101\r\n;\r\n"));
     ASSERT_TRUE(run->isEnabled());
     tcp.written.clear();
+    pressEnterIn(dialog);
+    EXPECT_FALSE(dialog->isVisible()) << "Enter closes";
+    EXPECT_TRUE(tcp.written.isEmpty()) << "and runs nothing";
+    dialog = openCheck(scriptFile("CHK1   101\r\n;\r\n"));
     run->click();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTableView>
@@ -220,6 +221,20 @@ TEST_F(ViewMenuTest, StatisticsCountEachExchangeLiveUntilReset) {
     EXPECT_EQ(statisticsOf(table, "wait sts2"),
               QStringList({"1", "1", "0", "0", "40", "40", "40"}));
 
+    // Enter closes the dialog, and Reset asks first: Enter there keeps every count.
+    auto* dialog = find<RunStatisticsDialog>("runStatisticsDialog");
+    const QStringList counted = statisticsOf(table, "check-in");
+    pressEnterIn(dialog);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(statisticsOf(statisticsTable(), "check-in"), counted);
+    answerNextQuestion([](QMessageBox* box) { pressEnterIn(box); });
+    find<QAbstractButton>("runStatisticsReset")->click();
+    EXPECT_EQ(statisticsOf(table, "check-in"), counted);
+    answerNextQuestion([](QMessageBox* box) {
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == "Reset")
+                button->click();
+    });
     find<QAbstractButton>("runStatisticsReset")->click();
     EXPECT_EQ(table->rowCount(), 0);
 }

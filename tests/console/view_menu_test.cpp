@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
@@ -153,6 +154,19 @@ TEST_F(ViewMenuTest, SavesEveryRowAsText) {
     find<QAbstractButton>("wireTraceSave")->click();
     ASSERT_EQ(op.notices.size(), 1);
     EXPECT_TRUE(op.notices[0].startsWith("Cannot write " + dir.filePath("missing/trace.txt")));
+}
+
+TEST_F(ViewMenuTest, AWaitsTimeIsTheTimeToThePbxsMessageNotToTheClosedBox) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    // The PBX tells the room's status 400 ms into the wait; the operator reads the box for 8 s.
+    tcp.deliver("\x02STS2   101\x03", 400);
+    op.onNotify = [this](const QString&) { pump.advance(8000); };
+    Q_EMIT find<QComboBox>("cmb_wait")->textActivated("sts2");
+    EXPECT_EQ(op.notices, QStringList({"successfully received --> sts2"}));
+    EXPECT_EQ(statisticsOf(statisticsTable(), "wait sts2"),
+              QStringList({"1", "1", "0", "0", "400", "400", "400"}));
 }
 
 TEST_F(ViewMenuTest, PauseFreezesTheViewWhileTheTraceRecords) {

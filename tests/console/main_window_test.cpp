@@ -211,8 +211,19 @@ TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
     EXPECT_TRUE(find<QAbstractButton>("cmd_connect")->isEnabled());
     EXPECT_TRUE(find<QMenu>("mnuConnection")->menuAction()->isEnabled());
 
+    // A restriction chosen now reaches nobody, and the status bar says so beside the loss.
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    tcp.written.clear();
+    Q_EMIT find<QComboBox>("cmb_restrict")->textActivated("local call");
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_EQ(find<QLabel>("lbl_link_warning")->text(),
+              "\u2014 Nothing was sent: the link is down");
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(),
+              "TCP 127.0.0.1:15374 lost: closed by the PBX");
+
     find<QAbstractButton>("cmd_connect")->click();
     EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "TCP 127.0.0.1:15374 connected");
+    EXPECT_EQ(find<QLabel>("lbl_link_warning")->text(), "");
     EXPECT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
 }
 

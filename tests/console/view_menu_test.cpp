@@ -107,6 +107,7 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
     EXPECT_EQ(rowsShown(), QStringList({
                                "TX|<ENQ>|",
                                "RX|<ACK>|ENQ answered in 10 ms (ACKed)",
+                               "--||TCP 127.0.0.1:15374 connected",
                                "TX|<ENQ>|",
                                "RX|<ACK>|ENQ answered in 10 ms (ACKed)",
                                "TX|<STX>CHK1   101<ETX>|",
@@ -123,7 +124,9 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
     find<QAbstractButton>("cmd_connect")->click();
     find<QAbstractButton>("cmd_disconnect")->click();
     model().sync();
-    EXPECT_TRUE(rowsShown().last().startsWith("--||frame unanswered")) << rowsShown().last();
+    const QStringList last = rowsShown().mid(rowsShown().size() - 2);
+    EXPECT_TRUE(last[0].startsWith("--||frame unanswered")) << last[0];
+    EXPECT_EQ(last[1], "--||TCP 127.0.0.1:15374 closed by the console");
 }
 
 TEST_F(ViewMenuTest, SavesEveryRowAsText) {
@@ -138,6 +141,7 @@ TEST_F(ViewMenuTest, SavesEveryRowAsText) {
     EXPECT_EQ(withoutTime, QStringList({
                                "TX <ENQ>   | 05",
                                "RX <ACK>   | 06   ; ENQ answered in 10 ms (ACKed)",
+                               "-- TCP 127.0.0.1:15374 connected",
                                "TX <ENQ>   | 05",
                                "RX <ACK>   | 06   ; ENQ answered in 10 ms (ACKed)",
                                "TX <STX>CHK1   101<ETX>   | 02 43 48 4B 31 20 20 20 31 30 31 03",
@@ -154,6 +158,22 @@ TEST_F(ViewMenuTest, SavesEveryRowAsText) {
     find<QAbstractButton>("wireTraceSave")->click();
     ASSERT_EQ(op.notices.size(), 1);
     EXPECT_TRUE(op.notices[0].startsWith("Cannot write " + dir.filePath("missing/trace.txt")));
+}
+
+TEST_F(ViewMenuTest, ALostLinkIsMarkedWithItsTimeAndReason) {
+    connectAndCheckIn();
+    pump.advance(3'600'000); // an hour of silence, then the PBX goes away
+    tcp.loseLink("closed by the PBX");
+    pump.processEvents();
+    const QString path = dir.filePath("trace.txt");
+    op.filesToSave = {path};
+    find<QAbstractButton>("wireTraceSave")->click();
+    const QStringList lines = savedLines(path);
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_EQ(lines.last().mid(12), " -- TCP 127.0.0.1:15374 lost: closed by the PBX");
+    EXPECT_EQ(lines.last().left(8), pump.currentDateTime().toString("HH:mm:ss"));
+    EXPECT_EQ(session.log.logText().count("closed by the PBX"), 0)
+        << "the traffic log is as it was";
 }
 
 TEST_F(ViewMenuTest, AWaitsTimeIsTheTimeToThePbxsMessageNotToTheClosedBox) {

@@ -9,6 +9,7 @@
 #include "core/operator_interface.h"
 #include "core/pause.h"
 #include "link/settings_store.h"
+#include "script/script_engine.h"
 #include "transactions/session.h"
 
 #include <QCheckBox>
@@ -55,6 +56,10 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     connect(&m_session.link, &Link::linkWarning, m_status, &ConsoleStatusBar::setWarning);
     connect(&m_session.link, &Link::notSent, this,
             [this] { m_status->setWarning(QStringLiteral("Nothing was sent: the link is down")); });
+    connect(&m_session.recorder, &Recording::changed, this, [this] {
+        m_status->showRecording(m_session.recorder.recording(), m_session.recorder.lines());
+    });
+    connect(&m_engine, &ScriptEngine::scriptSaved, m_status, &ConsoleStatusBar::showScriptSaved);
     connect(&m_runner, &OperationRunner::allReturned, this, &MainWindow::whenAllReturned);
 
     Form_Load();

@@ -227,6 +227,31 @@ TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
     EXPECT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
 }
 
+TEST_F(MainWindowTest, TheStatusBarFollowsARecordingAndSaysWhereItWent) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    auto* status = find<QLabel>("lbl_script_status");
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->text(), "");
+    find<QAbstractButton>("cmd_start_script")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 0 lines");
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    find<QAbstractButton>("cmd_chk_in")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 1 line");
+    find<QAbstractButton>("cmd_chk_out")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 2 lines");
+
+    op.filesToSave = {dir.filePath("rec1.txt")};
+    find<QAbstractButton>("cmd_end_script")->click();
+    EXPECT_EQ(status->text(), "\u2014 Script saved to " + dir.filePath("rec1.txt") +
+                                  " (2 lines); its last command will not be played unless a "
+                                  "comment line follows it");
+    // Connecting again switches no recording off, so the notice stays.
+    find<QAbstractButton>("cmd_disconnect")->click();
+    find<QAbstractButton>("cmd_connect")->click();
+    EXPECT_TRUE(status->text().startsWith("\u2014 Script saved to "));
+}
+
 TEST_F(MainWindowTest, TabGoesFromThePilotThroughTheSuiteFields) {
     QApplication::setActiveWindow(&window());
     find<QWidget>("txt_ls_pilot")->setFocus();

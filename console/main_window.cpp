@@ -65,6 +65,7 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     Form_Load();
     hideEmptyGroups();
     resize(1280, 820);
+    restoreSplit();
 }
 
 MainWindow::~MainWindow() {
@@ -160,6 +161,7 @@ void MainWindow::Form_Unload() {
     m_session.pump.clearStop();
     m_session.cmd_disconnect();
     pause_seconds(m_session.pump, 1.0f);
+    saveSplit();
     const QString notSaved = saveLinkSettings(m_settings, m_session.link);
     if (!notSaved.isEmpty())
         m_session.operatorInterface.notify(notSaved);

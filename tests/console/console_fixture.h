@@ -51,6 +51,12 @@ struct ConsoleRig {
         tcp.onWrite = [this](const QByteArray&) { tcp.deliver(QByteArray(1, 6), 10); };
     }
 
+    // Closes the window and forgets it: the next window() opens a new one on the same settings.
+    void closeWindow() {
+        window().close();
+        m_window.reset();
+    }
+
 private:
     std::unique_ptr<MainWindow> m_window;
 };

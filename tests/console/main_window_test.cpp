@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QSplitter>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -250,6 +252,36 @@ TEST_F(MainWindowTest, TheStatusBarFollowsARecordingAndSaysWhereItWent) {
     find<QAbstractButton>("cmd_disconnect")->click();
     find<QAbstractButton>("cmd_connect")->click();
     EXPECT_TRUE(status->text().startsWith("\u2014 Script saved to "));
+}
+
+TEST_F(MainWindowTest, TheOperatorSharesTheWidthBetweenControlsAndLogAndItIsRemembered) {
+    window().resize(1024, 700);
+    QCoreApplication::processEvents();
+    auto* split = find<QSplitter>("controlSplitter");
+    ASSERT_TRUE(split);
+    auto* log = find<QWidget>("List1");
+    const int before = log->width();
+    // The operator drags the line between them 300 px to the left.
+    QSplitterHandle* handle = split->handle(1);
+    const QPoint from(handle->width() / 2, handle->height() / 2);
+    const QPoint to = from - QPoint(300, 0);
+    QMouseEvent press(QEvent::MouseButtonPress, from, handle->mapToGlobal(from), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, to, handle->mapToGlobal(to), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    for (QMouseEvent* event : {&press, &move, &release})
+        QApplication::sendEvent(handle, event);
+    QCoreApplication::processEvents();
+    EXPECT_GE(log->width(), before + 250);
+    EXPECT_GE(log->width(), 500) << "room for a whole line of the log";
+    const int chosen = log->width();
+
+    closeWindow();
+    window().resize(1024, 700);
+    QCoreApplication::processEvents();
+    EXPECT_NEAR(find<QWidget>("List1")->width(), chosen, 2) << "the next window opens as left";
 }
 
 TEST_F(MainWindowTest, TabGoesFromThePilotThroughTheSuiteFields) {

@@ -68,7 +68,7 @@ TEST_F(CheckScriptTest, ShowsTheRowsAndMarksThoseWithWarnings) {
     if (const QString dirName = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR");
         !dirName.isEmpty()) {
         dialog->resize(1100, 460);
-        dialog->grab().save(QDir(dirName).filePath(QStringLiteral("check-script.png")));
+        dialog->grab().save(QDir(dirName).filePath(QStringLiteral("images/check-script.png")));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "assembly/assembly.h"
 
+#include "assembly/link_name.h"
 #include "core/event_pump.h"
 #include "link/link_trace.h"
 
@@ -9,10 +10,21 @@ Assembly::Assembly(EventPump& pump, OperatorInterface& op, Transport& tcp, Trans
                    qsizetype traceCapacity)
     : session(pump, op, tcp, serial), trace(traceCapacity) {
     traceLink(session.link, trace);
-    // Whatever was still unanswered when the link went down was never answered.
-    const auto finish = [this] { trace.finish(session.pump.currentDateTime()); };
-    connect(&session.link, &Link::disconnected, this, finish);
-    connect(&session.link, &Link::linkLost, this, finish);
+    // The trace marks each time the link came up, was closed or was lost: a saved trace that
+    // jumps an hour says why. Whatever was still unanswered when the link went down was never
+    // answered.
+    const auto mark = [this](const QString& what) {
+        trace.note(linkName(session.link.settings) + what, session.pump.currentDateTime());
+    };
+    connect(&session.link, &Link::connected, this, [mark] { mark(QStringLiteral(" connected")); });
+    connect(&session.link, &Link::disconnected, this, [this, mark] {
+        trace.finish(session.pump.currentDateTime());
+        mark(QStringLiteral(" closed by the console"));
+    });
+    connect(&session.link, &Link::linkLost, this, [this, mark](const QString& reason) {
+        trace.finish(session.pump.currentDateTime());
+        mark(QStringLiteral(" lost: ") + reason);
+    });
     connect(&trace, &WireTrace::exchangeEnded, this, [this](const ExchangeEvent& event) {
         statistics.add(event);
         Q_EMIT statisticsChanged();

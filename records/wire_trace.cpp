@@ -109,6 +109,10 @@ void WireTrace::finish(const QDateTime& time) {
         add(WireRow{time, WireRow::Kind::Note, {}, note});
 }
 
+void WireTrace::note(const QString& text, const QDateTime& time) {
+    add(WireRow{time, WireRow::Kind::Note, {}, text});
+}
+
 QString WireTrace::format(const WireRow& row) {
     const QString stamp = row.time.toString(QStringLiteral("HH:mm:ss.zzz"));
     if (row.kind == WireRow::Kind::Note)

@@ -38,6 +38,8 @@ public:
     void received(const QByteArray& bytes, const QDateTime& time, bool vmail);
     // Ends the run: what is still unanswered timed out.
     void finish(const QDateTime& time);
+    // A note of its own, not about an exchange: the link came up, was closed, was lost.
+    void note(const QString& text, const QDateTime& time);
 
     qsizetype size() const { return m_rows.size(); }
     const WireRow& row(qsizetype index) const;

@@ -88,6 +88,8 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
         const int untilDeadlineMs = seconds != 0 ? int((deadline - now) * 1000.0) + 1 : 60'000;
         pump.waitForEvent(qMax(0, untilDeadlineMs));
     }
+    // The wait's time is the PBX's: the success box below holds the console for the operator.
+    const qint64 waitedMs = started.msecsTo(pump.currentDateTime());
 
     if (end == End::Success) {
         const QString success = QStringLiteral("successfully received --> ") + item;
@@ -103,8 +105,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
                                    false);
     }
     if (end != End::Stopped)
-        Q_EMIT session.expectationEnded(item, end == End::Success,
-                                        started.msecsTo(pump.currentDateTime()));
+        Q_EMIT session.expectationEnded(item, end == End::Success, waitedMs);
     else
         Q_EMIT session.expectationStopped(item);
     session.clearScriptStop();

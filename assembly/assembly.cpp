@@ -1,5 +1,6 @@
 #include "assembly/assembly.h"
 
+#include "assembly/link_name.h"
 #include "core/event_pump.h"
 #include "link/link_trace.h"
 
@@ -9,11 +10,20 @@ Assembly::Assembly(EventPump& pump, OperatorInterface& op, Transport& tcp, Trans
                    qsizetype traceCapacity)
     : session(pump, op, tcp, serial), trace(pump, traceCapacity) {
     traceLink(session.link, trace);
-    // Whatever was still unanswered when the link went down was never answered.
-    connect(&session.link, &Link::disconnected, this,
-            [this] { trace.finish(QStringLiteral("the link was closed")); });
-    connect(&session.link, &Link::linkLost, this, [this](const QString& reason) {
+    // The trace marks each time the link came up, was closed or was lost: a saved trace that
+    // jumps an hour says why. Whatever was still unanswered when the link went down was never
+    // answered.
+    const auto mark = [this](const QString& what) {
+        trace.note(linkName(session.link.settings()) + what);
+    };
+    connect(&session.link, &Link::connected, this, [mark] { mark(QStringLiteral(" connected")); });
+    connect(&session.link, &Link::disconnected, this, [this, mark] {
+        trace.finish(QStringLiteral("the link was closed"));
+        mark(QStringLiteral(" closed by the console"));
+    });
+    connect(&session.link, &Link::linkLost, this, [this, mark](const QString& reason) {
         trace.finish(QStringLiteral("link lost: ") + reason);
+        mark(QStringLiteral(" lost: ") + reason);
     });
     connect(&trace, &WireTrace::exchangeEnded, this, [this](const Exchange& exchange) {
         statistics.add(exchange);

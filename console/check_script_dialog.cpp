@@ -64,8 +64,11 @@ CheckScriptDialog::CheckScriptDialog(QWidget* parent)
     split->setStretchFactor(1, 1);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    // Enter closes: running the script against the PBX takes a click of its own.
+    buttons->button(QDialogButtonBox::Close)->setDefault(true);
     m_run = buttons->addButton(tr("Run Script"), QDialogButtonBox::AcceptRole);
     m_run->setObjectName(QStringLiteral("checkScriptRun"));
+    m_run->setAutoDefault(false);
     connect(m_run, &QPushButton::clicked, this, [this] {
         accept();
         Q_EMIT runRequested(m_path);

@@ -20,6 +20,27 @@ QString formatAddress(quint32 address) {
         .arg(addressByte(address, 3));
 }
 
+namespace {
+
+// One "."-separated part as a byte value, or -1 when it is not a whole number 0 ... 255.
+int byteValue(const QString& part) {
+    const QString digits = part.trimmed();
+    bool digitsOnly = !digits.isEmpty();
+    for (QChar c : digits)
+        digitsOnly = digitsOnly && c >= u'0' && c <= u'9';
+    bool fits = false;
+    const int value = digitsOnly ? digits.toInt(&fits) : -1;
+    return fits && value <= 255 ? value : -1;
+}
+
+QString notAByte(const QString& text, int part, const QString& partText) {
+    return QStringLiteral("part %1 of \"%2\" (\"%3\") is not a whole number from 0 to 255")
+        .arg(part)
+        .arg(text, partText);
+}
+
+} // namespace
+
 AddressText parseAddressText(const QString& text) {
     AddressText result;
     if (!text.contains(u'.'))
@@ -32,23 +53,38 @@ AddressText parseAddressText(const QString& text) {
     }
     quint8 bytes[4];
     for (int i = 0; i < 4; ++i) {
-        const QString part = parts[i].trimmed();
-        bool digitsOnly = !part.isEmpty();
-        for (QChar c : part)
-            digitsOnly = digitsOnly && c >= u'0' && c <= u'9';
-        bool fits = false;
-        const int value = digitsOnly ? part.toInt(&fits) : -1;
-        if (!fits || value > 255) {
-            result.error = QStringLiteral("part %1 of \"%2\" (\"%3\") is not a whole number "
-                                          "from 0 to 255")
-                               .arg(i + 1)
-                               .arg(text, parts[i]);
+        const int value = byteValue(parts[i]);
+        if (value < 0) {
+            result.error = notAByte(text, i + 1, parts[i]);
             return result;
         }
         bytes[i] = quint8(value);
     }
     result.outcome = AddressText::Outcome::Set;
     result.address = packAddress(bytes[0], bytes[1], bytes[2], bytes[3]);
+    return result;
+}
+
+PastedAddress splitPastedAddress(const QString& text, int firstField) {
+    PastedAddress result;
+    const QString trimmed = text.trimmed();
+    const QStringList parts = trimmed.split(u'.');
+    if (parts.size() > 4 - firstField) {
+        result.error = QStringLiteral("\"%1\" has %2 parts, more than the %3 field(s) from here")
+                           .arg(trimmed)
+                           .arg(parts.size())
+                           .arg(4 - firstField);
+        return result;
+    }
+    for (int i = 0; i < int(parts.size()); ++i) {
+        const int value = byteValue(parts[i]);
+        if (value < 0) {
+            result.error = notAByte(trimmed, i + 1, parts[i]);
+            result.fields.clear();
+            return result;
+        }
+        result.fields << QString::number(value);
+    }
     return result;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 namespace larkspur {
@@ -20,6 +21,15 @@ struct AddressText {
     QString error; // why an Invalid text was refused
 };
 AddressText parseAddressText(const QString& text);
+
+// A dotted text pasted into the field `firstField` (0 ... 3): each part fills one field from
+// there on. Taken only whole: every part a whole number 0 ... 255 and no more parts than fields
+// left; otherwise `error` says why and nothing is to change.
+struct PastedAddress {
+    QStringList fields; // the texts of the fields from `firstField` on
+    QString error;
+};
+PastedAddress splitPastedAddress(const QString& text, int firstField);
 
 // The limits of one field.
 struct FieldRange {

@@ -1,16 +1,12 @@
 #include "console/link_status.h"
 
-#include "core/host_port.h"
+#include "assembly/link_name.h"
 #include "link/link.h"
-#include "link/serial_line.h"
 
 namespace larkspur {
 
 QString linkStatusText(const LinkSettings& settings, LinkState state, const QString& reason) {
-    const QString where =
-        settings.useTcp
-            ? QStringLiteral("TCP ") + formatHostPort(settings.ipAddress, settings.telnetPort)
-            : QStringLiteral("serial %1").arg(serialDeviceName(settings.commPortNumber));
+    const QString where = linkName(settings);
     switch (state) {
     case LinkState::Closed:
         return where + QStringLiteral(" closed");

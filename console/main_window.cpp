@@ -1,6 +1,7 @@
 #include "console/main_window.h"
 
 #include "assembly/assembly.h"
+#include "console/choice_list.h"
 #include "console/log_view.h"
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
@@ -8,6 +9,7 @@
 #include "core/operator_interface.h"
 #include "core/pause.h"
 #include "link/settings_store.h"
+#include "script/script_engine.h"
 #include "transactions/session.h"
 
 #include <QCheckBox>
@@ -65,11 +67,18 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     connect(&m_session.link, &Link::linkLost, this,
             [this](const QString& reason) { m_status->setLinkState(LinkState::Lost, reason); });
     connect(&m_session.link, &Link::linkWarning, m_status, &ConsoleStatusBar::setWarning);
+    connect(&m_session.link, &Link::notSent, this,
+            [this] { m_status->setWarning(QStringLiteral("Nothing was sent: the link is down")); });
+    connect(&m_session.recorder, &Recording::changed, this, [this] {
+        m_status->showRecording(m_session.recorder.recording(), m_session.recorder.lines());
+    });
+    connect(&m_engine, &ScriptEngine::scriptSaved, m_status, &ConsoleStatusBar::showScriptSaved);
     connect(&m_runner, &OperationRunner::allReturned, this, &MainWindow::whenAllReturned);
 
     Form_Load();
     hideEmptyGroups();
     resize(initialSize(*this));
+    restoreSplit();
 }
 
 MainWindow::~MainWindow() {
@@ -97,7 +106,7 @@ QLabel* MainWindow::label(const char* name) {
 }
 
 QComboBox* MainWindow::list(const char* name, const QStringList& entries) {
-    auto* c = new QComboBox(this);
+    auto* c = new ChoiceList(this);
     c->addItems(entries);
     // Nothing chosen until the operator chooses.
     c->setCurrentIndex(-1);
@@ -165,6 +174,7 @@ void MainWindow::Form_Unload() {
     m_session.pump.clearStop();
     m_session.cmd_disconnect();
     pause_seconds(m_session.pump, 1.0f);
+    saveSplit();
     const QString notSaved = saveLinkSettings(m_settings, m_session.link);
     if (!notSaved.isEmpty())
         m_session.operatorInterface.notify(notSaved);

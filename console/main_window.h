@@ -16,6 +16,7 @@ class QLineEdit;
 class QMenu;
 class QPushButton;
 class QSettings;
+class QSplitter;
 
 namespace larkspur {
 
@@ -71,6 +72,9 @@ private:
     QWidget* buildLinkedSuiteFrame();
     QWidget* buildManualModeFrame();
     void hideEmptyGroups();
+    // The line between the controls and the log, as the operator left it.
+    void restoreSplit();
+    void saveSplit();
 
     // The wire trace panel and the run statistics, and the View menu that opens them
     // (main_window_views.cpp).
@@ -106,6 +110,7 @@ private:
     ControlBinder m_controls;
     FieldBinder m_fields;
     QList<QGroupBox*> m_groups;
+    QSplitter* m_split = nullptr;
     TrafficView* m_traffic = nullptr;
     LogView* m_logView = nullptr;
     ConsoleStatusBar* m_status = nullptr;

@@ -1,5 +1,6 @@
 // The window's layout: the controls in groups on the left, the traffic log taking the rest of
-// the room on the right, the two optional frames below it.
+// the room on the right, the two optional frames below it; the operator moves the line between
+// them, and the window remembers where.
 #include "console/main_window.h"
 
 #include "console/traffic_view.h"
@@ -15,6 +16,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QSettings>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 namespace larkspur {
@@ -37,6 +41,9 @@ void equalColumns(QGridLayout* grid) {
     for (int column = 0; column < grid->columnCount(); ++column)
         grid->setColumnStretch(column, 1);
 }
+
+// Where the line between the controls and the log stands.
+const QString splitKey = QStringLiteral("Window/ControlSplitter");
 
 } // namespace
 
@@ -72,30 +79,59 @@ void MainWindow::buildMenus() {
 }
 
 QWidget* MainWindow::buildControlPanel() {
-    auto* panel = new QWidget(this);
-    auto* columns = new QHBoxLayout(panel);
-
+    auto* controls = new QWidget(this);
     auto* buttons = new QVBoxLayout;
     buttons->addWidget(buildTransactionGroup());
     buttons->addWidget(buildRoomFeatureGroup());
     buttons->addWidget(buildOptionGroup());
     buttons->addStretch();
 
-    auto* left = new QGridLayout;
+    auto* left = new QGridLayout(controls);
     left->addWidget(buildLinkGroup(), 0, 0, 1, 2);
     left->addWidget(buildFieldGroup(), 1, 0);
     left->addLayout(buttons, 1, 1);
     left->addWidget(buildScriptFrame(), 2, 0, 1, 2);
     left->addWidget(buildLogGroup(), 3, 0, 1, 2);
     left->setRowStretch(4, 1);
-    columns->addLayout(left);
 
-    auto* right = new QVBoxLayout;
+    // Narrowed below their width, the controls scroll rather than squeeze.
+    auto* scroll = new QScrollArea(this);
+    scroll->setObjectName(QStringLiteral("controlScroll"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(controls);
+
+    auto* logSide = new QWidget(this);
+    auto* right = new QVBoxLayout(logSide);
+    // Between the controls and the log the splitter's handle stands in for the margins.
+    QMargins margins = left->contentsMargins();
+    left->setContentsMargins(margins.left(), margins.top(), 0, margins.bottom());
+    right->setContentsMargins(0, margins.top(), margins.right(), margins.bottom());
     right->addWidget(m_traffic, 1);
     right->addWidget(buildLinkedSuiteFrame());
     right->addWidget(buildManualModeFrame());
-    columns->addLayout(right, 1);
-    return panel;
+
+    // The operator shares the width between the controls and the log.
+    m_split = new QSplitter(Qt::Horizontal, this);
+    m_split->setObjectName(QStringLiteral("controlSplitter"));
+    m_split->setChildrenCollapsible(false);
+    m_split->addWidget(scroll);
+    m_split->addWidget(logSide);
+    m_split->setStretchFactor(1, 1);
+    return m_split;
+}
+
+void MainWindow::restoreSplit() {
+    if (m_split->restoreState(m_settings.value(splitKey).toByteArray()))
+        return;
+    // At first the controls take their own width and the log the rest.
+    const auto* scroll = static_cast<QScrollArea*>(m_split->widget(0));
+    const int controls = scroll->widget()->sizeHint().width();
+    m_split->setSizes({controls, qMax(1, width() - controls)});
+}
+
+void MainWindow::saveSplit() {
+    m_settings.setValue(splitKey, m_split->saveState());
 }
 
 QWidget* MainWindow::buildLinkGroup() {

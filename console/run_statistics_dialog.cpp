@@ -4,6 +4,7 @@
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -49,9 +50,12 @@ RunStatisticsDialog::RunStatisticsDialog(RunStatistics& statistics, QWidget* par
     connect(&m_refreshTimer, &QTimer::timeout, this, &RunStatisticsDialog::refresh);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    // Enter closes; the counts go only when the operator says so twice.
+    buttons->button(QDialogButtonBox::Close)->setDefault(true);
     QPushButton* resetButton = buttons->addButton(tr("Reset"), QDialogButtonBox::ResetRole);
     resetButton->setObjectName(QStringLiteral("runStatisticsReset"));
-    connect(resetButton, &QPushButton::clicked, this, &RunStatisticsDialog::reset);
+    resetButton->setAutoDefault(false);
+    connect(resetButton, &QPushButton::clicked, this, &RunStatisticsDialog::askToReset);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* layout = new QVBoxLayout(this);
@@ -91,7 +95,16 @@ void RunStatisticsDialog::showEvent(QShowEvent* event) {
     refresh();
 }
 
-void RunStatisticsDialog::reset() {
+void RunStatisticsDialog::askToReset() {
+    QMessageBox ask(QMessageBox::Question, tr("Reset Run Statistics"),
+                    tr("Reset every count and answer time of this run?"), QMessageBox::NoButton,
+                    this);
+    ask.setObjectName(QStringLiteral("runStatisticsResetQuestion"));
+    QPushButton* reset = ask.addButton(tr("Reset"), QMessageBox::DestructiveRole);
+    ask.setDefaultButton(ask.addButton(QMessageBox::Cancel));
+    ask.exec();
+    if (ask.clickedButton() != reset)
+        return;
     m_statistics = RunStatistics();
     refresh();
 }

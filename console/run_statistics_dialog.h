@@ -25,7 +25,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void reset();
+    // Reset asks first, the safe answer the default.
+    void askToReset();
 
     RunStatistics& m_statistics;
     QTableWidget* m_table;

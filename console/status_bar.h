@@ -10,8 +10,8 @@ namespace larkspur {
 
 class Link;
 
-// The link (where, and whether it is up), its last warning, and the mode and protocol. It only
-// shows; nothing here goes to the traffic log.
+// The link (where, and whether it is up), the script being recorded or the one just saved, the
+// last warning, and the mode and protocol. It only shows; nothing here goes to the traffic log.
 class ConsoleStatusBar : public QStatusBar {
     Q_OBJECT
 public:
@@ -19,6 +19,10 @@ public:
 
     void setLinkState(LinkState state, const QString& reason = QString());
     void setWarning(const QString& text);
+    // While recording, that it records and how many lines so far; nothing once it stopped.
+    void showRecording(bool recording, int lines);
+    // Where the recording went, and what the operator must know about playing it.
+    void showScriptSaved(const QString& path, int lines);
     // Shows the settings, mode and protocol as they are now.
     void refresh();
 
@@ -27,6 +31,7 @@ private:
     LinkState m_state = LinkState::Closed;
     QString m_reason;
     QLabel* m_linkLabel;
+    QLabel* m_scriptLabel;
     QLabel* m_warningLabel;
     QLabel* m_modeLabel;
 };

@@ -2,13 +2,14 @@
 
 #include "core/operator_interface.h"
 
+#include <QFileDialog>
 #include <QPointer>
 #include <QWidget>
 
 namespace larkspur {
 
 // The operator at the window: notices are message boxes without a title, file choices are the
-// file dialogs, which start in the folder chosen last.
+// file dialogs, which start in the folder of the file saved or opened last.
 class WidgetOperator : public OperatorInterface {
 public:
     // The window the dialogs belong to (set once it exists).
@@ -19,7 +20,7 @@ public:
     QString chooseFileToSave(const QString& filter) override;
 
 private:
-    QString remember(const QString& path);
+    QString chooseFile(QFileDialog::AcceptMode mode, const QString& filter);
 
     QPointer<QWidget> m_window;
     QString m_folder;

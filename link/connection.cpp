@@ -45,8 +45,10 @@ void Link::setMode(PmsMode pmsMode, Protocol protocolType) {
 
 void Link::send_text(const QString& text) {
     Transport& transport = activeTransport();
-    if (!transport.isOpen())
+    if (!transport.isOpen()) {
+        Q_EMIT notSent();
         return;
+    }
     const QByteArray bytes = text.toLatin1();
     transport.write(bytes);
     Q_EMIT bytesSent(bytes);

@@ -116,6 +116,8 @@ Q_SIGNALS:
     // Every transport write, and every read as the receiver took it, for the wire trace.
     void bytesSent(const QByteArray& bytes);
     void bytesReceived(const QByteArray& bytes);
+    // A write while the link is down, dropped: nothing reached the PBX.
+    void notSent();
     // The transport went away; every wait ends and the controls go to the disconnected state.
     void linkLost(const QString& reason);
     void linkWarning(const QString& text);

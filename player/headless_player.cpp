@@ -2,11 +2,11 @@
 
 #include "assembly/assembly.h"
 #include "assembly/dry_run.h"
+#include "assembly/link_name.h"
 #include "core/host_port.h"
 #include "core/operator_interface.h"
 #include "core/output_file.h"
 #include "core/termination_signals.h"
-#include "link/serial_line.h"
 #include "link/settings_store.h"
 #include "player/junit_recorder.h"
 #include "player/player_options.h"
@@ -74,12 +74,6 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
     session.link.setMode(o.mode.value_or(script.pmsMode), session.link.protocolType());
     session.link.setMode(session.link.pmsMode(), o.protocol.value_or(script.protocolType));
     session.chk_error_Click(o.errorMode);
-}
-
-// "TCP 127.0.0.1:15374", "serial /dev/ttyS0".
-QString linkName(const LinkSettings& s) {
-    return s.useTcp ? QStringLiteral("TCP ") + formatHostPort(s.ipAddress, s.telnetPort)
-                    : QStringLiteral("serial ") + serialDeviceName(s.commPortNumber);
 }
 
 bool sameFile(const QString& a, const QString& b) {

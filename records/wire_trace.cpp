@@ -92,6 +92,10 @@ void WireTrace::finish(const QString& why) {
     m_pairing.endSession(why, m_pump.currentDateTime(), m_pump.monotonicSeconds());
 }
 
+void WireTrace::note(const QString& text) {
+    add(WireRow{m_pump.currentDateTime(), WireRow::Kind::Note, {}, text});
+}
+
 QString WireTrace::format(const WireRow& row) {
     const QString stamp = row.time.toString(QStringLiteral("HH:mm:ss.zzz"));
     if (row.kind == WireRow::Kind::Note)

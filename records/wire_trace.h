@@ -37,6 +37,8 @@ public:
     void received(const QByteArray& bytes, PmsMode mode);
     // The link closed: what is still unanswered gets no answer, for `why`.
     void finish(const QString& why);
+    // A note of its own, not about an exchange: the link came up, was closed, was lost.
+    void note(const QString& text);
 
     qsizetype size() const { return m_rows.size(); }
     const WireRow& row(qsizetype index) const;

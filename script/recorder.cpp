@@ -67,9 +67,11 @@ void ScriptEngine::cmd_end_script() {
             QStringLiteral("Cannot write script file %1: %2").arg(path, file.errorString()));
         return;
     }
+    const int lines = s.recorder.lines();
     s.recorder.finish();
     s.controls.setEnabled({Control::Xtest, Control::cmd_start_script}, true);
     s.controls.setEnabled(Control::cmd_end_script, false);
+    Q_EMIT scriptSaved(path, lines);
 }
 
 void ScriptEngine::cmb_wait_Click(const QString& item) {

@@ -70,6 +70,8 @@ Q_SIGNALS:
     void unrecognizedCommand(int fileLine, const QString& why);
     // The run is over.
     void runFinished(larkspur::ScriptEngine::RunOutcome outcome);
+    // End Rec. Script wrote the recording, `lines` lines, to `path`.
+    void scriptSaved(const QString& path, int lines);
 
 private:
     RunOutcome interpret(const ScriptText& script);

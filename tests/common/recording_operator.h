@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 namespace larkspur::test {
 
 // Records every notice and answers file choices from a queue.
@@ -14,8 +16,14 @@ public:
     QStringList filesToOpen;
     QStringList filesToSave;
     QStringList filters;
+    // Called with each notice, as the operator reads it (a test lets time pass meanwhile).
+    std::function<void(const QString&)> onNotify;
 
-    void notify(const QString& text) override { notices.append(text); }
+    void notify(const QString& text) override {
+        notices.append(text);
+        if (onNotify)
+            onNotify(text);
+    }
     QString chooseFileToOpen(const QString& filter) override {
         filters.append(filter);
         return filesToOpen.isEmpty() ? QString() : filesToOpen.takeFirst();

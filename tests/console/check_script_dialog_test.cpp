@@ -68,7 +68,7 @@ TEST_F(CheckScriptTest, ShowsTheRowsAndMarksThoseWithWarnings) {
     if (const QString dirName = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR");
         !dirName.isEmpty()) {
         dialog->resize(1100, 460);
-        dialog->grab().save(QDir(dirName).filePath(QStringLiteral("check-script.png")));
+        dialog->grab().save(QDir(dirName).filePath(QStringLiteral("images/check-script.png")));
     }
 }
 
@@ -106,6 +106,10 @@ TEST_F(CheckScriptTest, RunsTheCheckedScriptOnlyWhenRunScriptCould) {
     dialog = openCheck(scriptFile("CHK1   101\r\n;\r\n"));
     ASSERT_TRUE(run->isEnabled());
     tcp.written.clear();
+    pressEnterIn(dialog);
+    EXPECT_FALSE(dialog->isVisible()) << "Enter closes";
+    EXPECT_TRUE(tcp.written.isEmpty()) << "and runs nothing";
+    dialog = openCheck(scriptFile("CHK1   101\r\n;\r\n"));
     run->click();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"

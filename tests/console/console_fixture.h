@@ -8,10 +8,15 @@
 #include "script/script_engine.h"
 #include "transactions/session.h"
 
+#include <QApplication>
+#include <QMessageBox>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 namespace larkspur::test {
@@ -46,9 +51,32 @@ struct ConsoleRig {
         tcp.onWrite = [this](const QByteArray&) { tcp.deliver(QByteArray(1, 6), 10); };
     }
 
+    // Closes the window and forgets it: the next window() opens a new one on the same settings.
+    void closeWindow() {
+        window().close();
+        m_window.reset();
+    }
+
 private:
     std::unique_ptr<MainWindow> m_window;
 };
+
+// Enter, as the operator presses it in `dialog`: on the widget that has the focus once the
+// dialog is the active window.
+inline void pressEnterIn(QWidget* dialog) {
+    QApplication::setActiveWindow(dialog);
+    QWidget* focused = QApplication::focusWidget();
+    QTest::keyClick(focused && dialog->isAncestorOf(focused) ? focused : dialog, Qt::Key_Return);
+}
+
+// Answers the next modal message box with `answer` once it shows.
+inline void answerNextQuestion(std::function<void(QMessageBox*)> answer) {
+    QTimer::singleShot(0, [answer = std::move(answer)] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box) << "no question was asked";
+        answer(box);
+    });
+}
 
 class ConsoleFixture : public ::testing::Test, protected ConsoleRig {};
 

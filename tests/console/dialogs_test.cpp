@@ -2,14 +2,24 @@
 #include "common/recording_operator.h"
 #include "console/comm_port_dialog.h"
 #include "console/ip_control.h"
+#include "console/log_commands.h"
 #include "console/telnet_dialog.h"
+#include "console/widget_operator.h"
 #include "core/virtual_event_pump.h"
 #include "doubles/fake_transport.h"
+#include "script/script_engine.h"
 #include "transactions/session.h"
 
+#include <QApplication>
 #include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace larkspur;
@@ -122,6 +132,54 @@ TEST_F(ConnectionDialogs, TelnetLoadEdgeCases) {
             << c.port << " " << c.address;
         EXPECT_EQ(op.notices.size(), c.reported ? 1 : 0) << c.port << " " << c.address;
     }
+}
+
+// The file dialogs of End Rec. Script, Save log file, the wire trace's save and the opens.
+TEST(FileDialogs, ANameWithoutExtensionGetsTheFiltersAndTheNextDialogOpensInItsFolder) {
+    QTemporaryDir dir;
+    WidgetOperator op;
+    // Types `name` into the next file dialog and presses Enter; notes the folder it opened in.
+    QString openedIn;
+    const auto typeIntoNextDialog = [&openedIn](const QString& name) {
+        QTimer::singleShot(0, [&openedIn, name] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(dialog);
+            openedIn = dialog->directory().absolutePath();
+            auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit");
+            ASSERT_TRUE(edit);
+            edit->setText(name);
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+    };
+    typeIntoNextDialog(dir.filePath("session1"));
+    EXPECT_EQ(op.chooseFileToSave(logFileFilter), dir.filePath("session1.log"));
+
+    const struct {
+        QString filter;
+        const char* typed;
+        const char* saved;
+    } saves[] = {
+        {scriptFileFilter(), "rec1", "rec1.txt"},
+        {scriptFileFilter(), "rec2.scr", "rec2.scr"},
+        {QStringLiteral("Text files (*.txt);;All files (*)"), "trace.old", "trace.old"},
+    };
+    for (const auto& c : saves) {
+        typeIntoNextDialog(c.typed);
+        EXPECT_EQ(op.chooseFileToSave(c.filter), dir.filePath(c.saved)) << c.typed;
+        EXPECT_EQ(openedIn, dir.path()) << "where the last file was saved";
+    }
+
+    // An open dialog starts where the last file was saved, and the next save where that was
+    // opened.
+    ASSERT_TRUE(QDir(dir.path()).mkdir("older"));
+    QFile older(dir.filePath("older/rec0.txt"));
+    ASSERT_TRUE(older.open(QIODevice::WriteOnly));
+    older.close();
+    typeIntoNextDialog("older/rec0.txt");
+    EXPECT_EQ(op.chooseFileToOpen(scriptFileFilter()), dir.filePath("older/rec0.txt"));
+    EXPECT_EQ(openedIn, dir.path());
+    typeIntoNextDialog("rec3");
+    EXPECT_EQ(op.chooseFileToSave(scriptFileFilter()), dir.filePath("older/rec3.txt"));
 }
 
 } // namespace

@@ -2,10 +2,17 @@
 #include "console/ip_control.h"
 #include "console/ipv4_address.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
+
+#include <functional>
 
 using namespace larkspur;
 using Outcome = AddressText::Outcome;
@@ -142,25 +149,82 @@ TEST_F(IpControlWidget, TypingMovesFromFieldToField) {
     QApplication::setActiveWindow(&control);
     control.SetFieldFocus(0);
     ASSERT_EQ(QApplication::focusWidget(), field(0));
-    const auto type = [&](const QString& text) {
-        control.ClearAddress();
-        control.SetFieldFocus(0);
-        for (QChar c : text)
-            QTest::keyClicks(QApplication::focusWidget(), QString(c));
+    // Over the stored address the first field is selected and the address typed.
+    const struct {
+        const char* stored;
+        const char* typed;
+        const char* address;
+    } cases[] = {
+        {"", "10.1.255.7", "10.1.255.7"},
+        {"", "255.255.1.1", "255.255.1.1"},
+        {"", "1.2.3.4", "1.2.3.4"},
+        {"", "..7", "7.0.0.0"}, // a dot in an empty field stays there
+        {"127.0.0.1", "192.168.10.200", "192.168.10.200"},
+        {"127.0.0.1", "192.168.1.20", "192.168.1.20"},
+        {"127.0.0.1", "10.1.2.3", "10.1.2.3"},
+        {"255.255.255.255", "1.22.133.4", "1.22.133.4"},
+        {"10.20.30.40", "192.0.2.1", "192.0.2.1"},
     };
-    for (const char* text : {"10.1.255.7", "255.255.1.1", "1.2.3.4"}) {
-        type(QString::fromLatin1(text));
-        EXPECT_EQ(control.Address(), text);
-        EXPECT_EQ(QApplication::focusWidget(), field(3)) << text;
+    for (const auto& c : cases) {
+        control.ClearAddress();
+        control.setAddress(c.stored);
+        control.SetFieldFocus(0);
+        for (QChar ch : QString::fromLatin1(c.typed))
+            QTest::keyClicks(QApplication::focusWidget(), QString(ch));
+        EXPECT_EQ(control.Address(), c.address) << c.stored << " typed over with " << c.typed;
     }
-    type("..7");
-    EXPECT_EQ(control.Address(), "7.0.0.0") << "a dot in an empty field stays there";
+    EXPECT_EQ(QApplication::focusWidget(), field(3));
 
     QTest::keyClick(field(3), Qt::Key_Backspace);
     QTest::keyClick(field(3), Qt::Key_Backspace);
     EXPECT_EQ(QApplication::focusWidget(), field(2)) << "Backspace in an empty field goes back";
     control.SetFieldFocus(1);
     EXPECT_EQ(QApplication::focusWidget(), field(1));
+}
+
+TEST_F(IpControlWidget, APastedAddressLandsFieldByFieldOrNotAtAll) {
+    control.show();
+    QApplication::setActiveWindow(&control);
+    const auto pasteWithKeys = [&](int f) {
+        QTest::keyClick(field(f), Qt::Key_V, Qt::ControlModifier);
+    };
+    const auto pasteFromMenu = [&](int f) {
+        QTimer::singleShot(0, [] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_TRUE(menu);
+            for (QAction* entry : menu->actions())
+                if (entry->text().startsWith("&Paste"))
+                    entry->trigger();
+            menu->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(2, 2),
+                                field(f)->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(field(f), &event);
+    };
+    const struct {
+        const char* clipboard;
+        int intoField;
+        const char* address;
+    } cases[] = {
+        {"192.168.10.200", 0, "192.168.10.200"},
+        {" 10.0.0.9\n", 0, "10.0.0.9"},
+        {"10.20", 2, "127.0.10.20"},
+        // Refused whole: nothing changes.
+        {"192.168.1.300", 0, "127.0.0.1"},
+        {"1.2.3.4", 1, "127.0.0.1"},
+        {"pbx.example.net", 0, "127.0.0.1"},
+    };
+    for (const auto& [how, paste] :
+         {std::pair<const char*, std::function<void(int)>>{"keys", pasteWithKeys},
+          {"menu", pasteFromMenu}}) {
+        for (const auto& c : cases) {
+            control.setAddress("127.0.0.1");
+            control.SetFieldFocus(c.intoField);
+            QApplication::clipboard()->setText(c.clipboard);
+            paste(c.intoField);
+            EXPECT_EQ(control.Address(), c.address) << how << ": " << c.clipboard;
+        }
+    }
 }
 
 } // namespace

@@ -12,9 +12,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QScreen>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -212,9 +215,75 @@ TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
     EXPECT_TRUE(find<QAbstractButton>("cmd_connect")->isEnabled());
     EXPECT_TRUE(find<QMenu>("mnuConnection")->menuAction()->isEnabled());
 
+    // A restriction chosen now reaches nobody, and the status bar says so beside the loss.
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    tcp.written.clear();
+    Q_EMIT find<QComboBox>("cmb_restrict")->textActivated("local call");
+    EXPECT_TRUE(tcp.written.isEmpty());
+    EXPECT_EQ(find<QLabel>("lbl_link_warning")->text(),
+              "\u2014 Nothing was sent: the link is down");
+    EXPECT_EQ(find<QLabel>("lbl_link_status")->text(),
+              "TCP 127.0.0.1:15374 lost: closed by the PBX");
+
     find<QAbstractButton>("cmd_connect")->click();
     EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), "TCP 127.0.0.1:15374 connected");
+    EXPECT_EQ(find<QLabel>("lbl_link_warning")->text(), "");
     EXPECT_TRUE(find<QAbstractButton>("cmd_chk_in")->isEnabled());
+}
+
+TEST_F(MainWindowTest, TheStatusBarFollowsARecordingAndSaysWhereItWent) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    auto* status = find<QLabel>("lbl_script_status");
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->text(), "");
+    find<QAbstractButton>("cmd_start_script")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 0 lines");
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    find<QAbstractButton>("cmd_chk_in")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 1 line");
+    find<QAbstractButton>("cmd_chk_out")->click();
+    EXPECT_EQ(status->text(), "\u2014 Recording: 2 lines");
+
+    op.filesToSave = {dir.filePath("rec1.txt")};
+    find<QAbstractButton>("cmd_end_script")->click();
+    EXPECT_EQ(status->text(), "\u2014 Script saved to " + dir.filePath("rec1.txt") +
+                                  " (2 lines); its last command will not be played unless a "
+                                  "comment line follows it");
+    // Connecting again switches no recording off, so the notice stays.
+    find<QAbstractButton>("cmd_disconnect")->click();
+    find<QAbstractButton>("cmd_connect")->click();
+    EXPECT_TRUE(status->text().startsWith("\u2014 Script saved to "));
+}
+
+TEST_F(MainWindowTest, TheOperatorSharesTheWidthBetweenControlsAndLogAndItIsRemembered) {
+    window().resize(1024, 700);
+    QCoreApplication::processEvents();
+    auto* split = find<QSplitter>("controlSplitter");
+    ASSERT_TRUE(split);
+    auto* log = find<QWidget>("List1");
+    const int before = log->width();
+    // The operator drags the line between them 300 px to the left.
+    QSplitterHandle* handle = split->handle(1);
+    const QPoint from(handle->width() / 2, handle->height() / 2);
+    const QPoint to = from - QPoint(300, 0);
+    QMouseEvent press(QEvent::MouseButtonPress, from, handle->mapToGlobal(from), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, to, handle->mapToGlobal(to), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    for (QMouseEvent* event : {&press, &move, &release})
+        QApplication::sendEvent(handle, event);
+    QCoreApplication::processEvents();
+    EXPECT_GE(log->width(), before + 250);
+    EXPECT_GE(log->width(), 500) << "room for a whole line of the log";
+    const int chosen = log->width();
+
+    closeWindow();
+    window().resize(1024, 700);
+    QCoreApplication::processEvents();
+    EXPECT_NEAR(find<QWidget>("List1")->width(), chosen, 2) << "the next window opens as left";
 }
 
 TEST_F(MainWindowTest, TabGoesFromThePilotThroughTheSuiteFields) {
@@ -262,6 +331,39 @@ TEST_F(MainWindowTest, ButtonsReachTheSession) {
     EXPECT_EQ(restrict->currentText(), "long distant call");
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "RST2   101\x03")));
+}
+
+TEST_F(MainWindowTest, AWheelOverAListWithoutTheFocusChoosesNothing) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    QApplication::setActiveWindow(&window());
+    const auto turnWheel = [](QWidget* list) {
+        const QPointF at(list->width() / 2.0, list->height() / 2.0);
+        QWheelEvent down(at, list->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
+                         Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(list, &down);
+    };
+    // The restriction sends, the expectation lists start a wait.
+    const std::pair<const char*, const char*> lists[] = {{"cmb_restrict", "RST0   101"},
+                                                         {"cmb_notify", "send notify for --> ack"},
+                                                         {"cmb_wait", "waiting for --> ack"}};
+    for (const auto& [name, acted] : lists) {
+        auto* list = find<QComboBox>(name);
+        find<QLineEdit>("txt_suite_1")->setFocus();
+        const QString before = session.log.logText();
+        tcp.written.clear();
+        turnWheel(list);
+        EXPECT_FALSE(list->hasFocus()) << name;
+        EXPECT_EQ(list->currentIndex(), -1) << name;
+        EXPECT_TRUE(tcp.written.isEmpty()) << name;
+        EXPECT_EQ(session.log.logText(), before) << name;
+
+        list->setFocus();
+        turnWheel(list);
+        EXPECT_EQ(list->currentIndex(), 0) << "with the focus the wheel chooses: " << name;
+        EXPECT_TRUE(session.log.logText().mid(before.size()).contains(acted)) << name;
+    }
 }
 
 TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {

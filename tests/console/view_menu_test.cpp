@@ -4,10 +4,12 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTableView>
@@ -105,6 +107,7 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
     EXPECT_EQ(rowsShown(), QStringList({
                                "TX|<ENQ>|",
                                "RX|<ACK>|ENQ answered in 10 ms (ACKed)",
+                               "--||TCP 127.0.0.1:15374 connected",
                                "TX|<ENQ>|",
                                "RX|<ACK>|ENQ answered in 10 ms (ACKed)",
                                "TX|<STX>CHK1   101<ETX>|",
@@ -121,7 +124,9 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
     find<QAbstractButton>("cmd_connect")->click();
     find<QAbstractButton>("cmd_disconnect")->click();
     model().sync();
-    EXPECT_TRUE(rowsShown().last().startsWith("--||no answer")) << rowsShown().last();
+    const QStringList last = rowsShown().mid(rowsShown().size() - 2);
+    EXPECT_TRUE(last[0].startsWith("--||no answer")) << last[0];
+    EXPECT_EQ(last[1], "--||TCP 127.0.0.1:15374 closed by the console");
 }
 
 TEST_F(ViewMenuTest, SavesEveryRowAsText) {
@@ -136,6 +141,7 @@ TEST_F(ViewMenuTest, SavesEveryRowAsText) {
     EXPECT_EQ(withoutTime, QStringList({
                                "TX <ENQ>   | 05",
                                "RX <ACK>   | 06   ; ENQ answered in 10 ms (ACKed)",
+                               "-- TCP 127.0.0.1:15374 connected",
                                "TX <ENQ>   | 05",
                                "RX <ACK>   | 06   ; ENQ answered in 10 ms (ACKed)",
                                "TX <STX>CHK1   101<ETX>   | 02 43 48 4B 31 20 20 20 31 30 31 03",
@@ -152,6 +158,35 @@ TEST_F(ViewMenuTest, SavesEveryRowAsText) {
     find<QAbstractButton>("wireTraceSave")->click();
     ASSERT_EQ(op.notices.size(), 1);
     EXPECT_TRUE(op.notices[0].startsWith("Cannot write " + dir.filePath("missing/trace.txt")));
+}
+
+TEST_F(ViewMenuTest, ALostLinkIsMarkedWithItsTimeAndReason) {
+    connectAndCheckIn();
+    pump.advance(3'600'000); // an hour of silence, then the PBX goes away
+    tcp.loseLink("closed by the PBX");
+    pump.processEvents();
+    const QString path = dir.filePath("trace.txt");
+    op.filesToSave = {path};
+    find<QAbstractButton>("wireTraceSave")->click();
+    const QStringList lines = savedLines(path);
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_EQ(lines.last().mid(12), " -- TCP 127.0.0.1:15374 lost: closed by the PBX");
+    EXPECT_EQ(lines.last().left(8), pump.currentDateTime().toString("HH:mm:ss"));
+    EXPECT_EQ(session.log.logText().count("closed by the PBX"), 0)
+        << "the traffic log is as it was";
+}
+
+TEST_F(ViewMenuTest, AWaitsTimeIsTheTimeToThePbxsMessageNotToTheClosedBox) {
+    pbxAcknowledges();
+    find<QAbstractButton>("cmd_connect")->click();
+    QTest::keyClicks(find<QLineEdit>("txt_suite_1"), "101");
+    // The PBX tells the room's status 400 ms into the wait; the operator reads the box for 8 s.
+    tcp.deliver("\x02STS2   101\x03", 400);
+    op.onNotify = [this](const QString&) { pump.advance(8000); };
+    Q_EMIT find<QComboBox>("cmb_wait")->textActivated("sts2");
+    EXPECT_EQ(op.notices, QStringList({"successfully received --> sts2"}));
+    EXPECT_EQ(statisticsOf(statisticsTable(), "wait sts2"),
+              QStringList({"1", "1", "0", "0", "400", "400", "400"}));
 }
 
 TEST_F(ViewMenuTest, PauseFreezesTheViewWhileTheTraceRecords) {
@@ -220,6 +255,20 @@ TEST_F(ViewMenuTest, StatisticsCountEachExchangeLiveUntilReset) {
     EXPECT_EQ(statisticsOf(table, "wait sts2"),
               QStringList({"1", "1", "0", "0", "40", "40", "40"}));
 
+    // Enter closes the dialog, and Reset asks first: Enter there keeps every count.
+    auto* dialog = find<RunStatisticsDialog>("runStatisticsDialog");
+    const QStringList counted = statisticsOf(table, "check-in");
+    pressEnterIn(dialog);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(statisticsOf(statisticsTable(), "check-in"), counted);
+    answerNextQuestion([](QMessageBox* box) { pressEnterIn(box); });
+    find<QAbstractButton>("runStatisticsReset")->click();
+    EXPECT_EQ(statisticsOf(table, "check-in"), counted);
+    answerNextQuestion([](QMessageBox* box) {
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == "Reset")
+                button->click();
+    });
     find<QAbstractButton>("runStatisticsReset")->click();
     EXPECT_EQ(table->rowCount(), 0);
 }

@@ -268,10 +268,9 @@ int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {
         return exitcode::linkLost;
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        // The end notice counts failed transactions only; the status tells of failed waits too.
-        return m_session.errors.countedSinceReset() == 0 && m_console.statistics.failedWaits() == 0
-                   ? exitcode::ok
-                   : exitcode::failed;
+        // The end notice counts failed transactions only; the status tells of every command
+        // that failed, exactly as the JUnit report does.
+        return m_junit.failedCases() == 0 ? exitcode::ok : exitcode::failed;
     case ScriptEngine::RunOutcome::Cancelled:
         return exitcode::interrupted;
     case ScriptEngine::RunOutcome::Unrecognized:

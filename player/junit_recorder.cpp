@@ -83,6 +83,8 @@ void JunitRecorder::close() {
             QStringLiteral("[%1 more characters of output left out]\n").arg(m_outputLeftOut);
     const JunitReport::Case closed = std::move(*m_case);
     m_case.reset();
+    if (!closed.failure.isEmpty())
+        ++m_failedCases;
     Q_EMIT caseClosed(closed);
 }
 

@@ -30,6 +30,8 @@ public:
     void connectionFailed(const QString& link, const QString& why);
     // Closes a case still open (a run cut short).
     void finish();
+    // The cases that failed so far: the run's exit status follows them.
+    qint64 failedCases() const { return m_failedCases; }
 
 Q_SIGNALS:
     void caseClosed(const larkspur::JunitReport::Case& c);
@@ -43,6 +45,7 @@ private:
     std::optional<JunitReport::Case> m_case;
     double m_started = 0;
     qsizetype m_outputLeftOut = 0;
+    qint64 m_failedCases = 0;
 };
 
 } // namespace larkspur

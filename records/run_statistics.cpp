@@ -55,14 +55,6 @@ void RunStatistics::count(const QString& type, Exchange::Outcome outcome, qint64
     }
 }
 
-qint64 RunStatistics::failedWaits() const {
-    qint64 failed = 0;
-    for (auto it = m_rows.cbegin(); it != m_rows.cend(); ++it)
-        if (it.key().startsWith(waitPrefix))
-            failed += it.value().timedOut;
-    return failed;
-}
-
 QString RunStatistics::table() const {
     const auto ms = [](qint64 v) { return v < 0 ? QStringLiteral("-") : QString::number(v); };
     QString out = QStringLiteral("%1 %2 %3 %4 %5  %6\n")

@@ -29,8 +29,6 @@ public:
     void addWait(const QString& item, bool succeeded, qint64 ms);
 
     const QMap<QString, Row>& rows() const { return m_rows; }
-    // Expected-message waits that ended without their message.
-    qint64 failedWaits() const;
     bool isEmpty() const { return m_rows.isEmpty(); }
 
     // A plain-text table, one row per type.

@@ -95,7 +95,7 @@ TEST_F(Player, AConverterThatJoinsMessagesIsSplitOnlyWhenAsked) {
     }
 }
 
-TEST_F(Player, AWaitWithoutItsMessageExitsOneWhileTheEndNoticeCountsTransactionsOnly) {
+TEST_F(Player, TheStatusFailsWithEveryFailedCaseWhileTheEndNoticeCountsTransactionsOnly) {
     // Each message comes a second into the wait: the pause after the check-in takes the first.
     const QString completed = "larkspur-run: Script file completed";
     const struct {
@@ -127,7 +127,7 @@ TEST_F(Player, AWaitWithoutItsMessageExitsOneWhileTheEndNoticeCountsTransactions
         {"a wait that sees another message before its own",
          "CHK1   101\r\nWAIT STS2   101 3\r\n;\r\n",
          {"--after", "CHK1", "1.5", "STS1   101", "--after", "CHK1", "2", "STS2   101"},
-         0,
+         1,
          completed,
          "tests=\"2\" failures=\"1\""},
         {"a refused check-out and a wait that times out",

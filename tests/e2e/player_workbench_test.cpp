@@ -248,8 +248,7 @@ TEST_F(Player, ACommandThatSendsNothingForAnInvalidFieldFailsInJunit) {
     const QString junit = home.filePath("r.xml");
     start({"--dry-run", "--tcp", "127.0.0.1:9", "--junit", junit,
            script("CHK1   101\r\nWKP0799  101\r\n;\r\n")});
-    EXPECT_EQ(finish(), 0) << "no transaction failed: the status follows the error count\n"
-                           << err.toStdString();
+    EXPECT_EQ(finish(), 1) << "the status follows the failing cases\n" << err.toStdString();
     QFile report(junit);
     ASSERT_TRUE(report.open(QIODevice::ReadOnly));
     const QByteArray xml = report.readAll();

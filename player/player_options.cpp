@@ -153,10 +153,9 @@ QString playerHelp() {
         QStringLiteral(
             "Plays SCRIPT against the PBX as the window's Run Script does: the traffic\n"
             "log on standard output, notices and the run statistics on standard error.\n"),
-        QStringLiteral(
-            "Exit status: 0 clean, 1 failed transactions or waits, 2 no link, 3 bad script, 4 link "
-            "lost,\n5 a report or the traffic log could not be written whole, 64 bad "
-            "arguments, 129 hung up,\n130 interrupted.\n"));
+        QStringLiteral("Exit status: 0 clean, 1 a command failed, 2 no link, 3 bad script, 4 link "
+                       "lost,\n5 a report or the traffic log could not be written whole, 64 bad "
+                       "arguments, 129 hung up,\n130 interrupted.\n"));
 }
 
 std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QString& error) {

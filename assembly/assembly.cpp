@@ -9,19 +9,20 @@ namespace larkspur {
 Assembly::Assembly(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial,
                    qsizetype traceCapacity)
     : session(pump, op, tcp, serial), trace(pump, traceCapacity) {
-    traceLink(session.link, trace);
+    traceLink(session.link(), trace);
     // The trace marks each time the link came up, was closed or was lost: a saved trace that
     // jumps an hour says why. Whatever was still unanswered when the link went down was never
     // answered.
     const auto mark = [this](const QString& what) {
-        trace.note(linkName(session.link.settings()) + what);
+        trace.note(linkName(session.link().settings()) + what);
     };
-    connect(&session.link, &Link::connected, this, [mark] { mark(QStringLiteral(" connected")); });
-    connect(&session.link, &Link::disconnected, this, [this, mark] {
+    connect(&session.link(), &Link::connected, this,
+            [mark] { mark(QStringLiteral(" connected")); });
+    connect(&session.link(), &Link::disconnected, this, [this, mark] {
         trace.finish(QStringLiteral("the link was closed"));
         mark(QStringLiteral(" closed by the console"));
     });
-    connect(&session.link, &Link::linkLost, this, [this, mark](const QString& reason) {
+    connect(&session.link(), &Link::linkLost, this, [this, mark](const QString& reason) {
         trace.finish(QStringLiteral("link lost: ") + reason);
         mark(QStringLiteral(" lost: ") + reason);
     });

@@ -119,7 +119,8 @@ std::vector<double> withConsole(bench::Console& c,
         QMetaObject::invokeMethod(&idle, &QEventLoop::quit, Qt::QueuedConnection);
     });
     if (c.session.cmd_connect(10) != larkspur::Link::ConnectResult::Connected)
-        std::fprintf(stderr, "console did not connect:\n%s\n", qPrintable(c.session.log.logText()));
+        std::fprintf(stderr, "console did not connect:\n%s\n",
+                     qPrintable(c.session.log().logText()));
     // Idles as the window's own event loop does.
     idle.exec();
     peer.join();
@@ -131,9 +132,9 @@ std::vector<double> consoleTcp() {
     bench::Console c;
     uint16_t port = 0;
     const int listener = bench::listenLoopback(port);
-    c.session.link.settings().useTcp = true;
-    c.session.link.settings().ipAddress = QStringLiteral("127.0.0.1");
-    c.session.link.settings().telnetPort = QString::number(port);
+    c.session.link().settings().useTcp = true;
+    c.session.link().settings().ipAddress = QStringLiteral("127.0.0.1");
+    c.session.link().settings().telnetPort = QString::number(port);
     auto rtt = withConsole(c, [&] {
         const int fd = ::accept(listener, nullptr, nullptr);
         bench::noDelay(fd);
@@ -165,10 +166,10 @@ template <bool waitInPoll> std::vector<double> rawTcp() {
 std::vector<double> consoleOnPty(std::vector<double> (*pbx)(int)) {
     bench::Console c;
     bench::Pty pty;
-    c.session.link.settings().useTcp = false;
-    c.session.link.settings().commPortNumber = QString::fromStdString(pty.path);
-    c.session.link.settings().speed = QStringLiteral("9600");
-    c.session.link.settings().stopBits = QStringLiteral("1");
+    c.session.link().settings().useTcp = false;
+    c.session.link().settings().commPortNumber = QString::fromStdString(pty.path);
+    c.session.link().settings().speed = QStringLiteral("9600");
+    c.session.link().settings().stopBits = QStringLiteral("1");
     return withConsole(c, [&] { return pbx(pty.master); });
 }
 

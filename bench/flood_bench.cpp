@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
 
     long logged = 0;
     const auto logOne = [&] {
-        session.log.logLine(
+        session.log().logLine(
             QStringLiteral("Received--> STS1   %1 frame %2").arg(logged % 1000, 5).arg(logged, 9));
         ++logged;
     };

@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
     const double t0 = bench::now();
     for (long i = 0; i < lines; ++i) {
         // 40 characters.
-        session.log.logLine(
+        session.log().logLine(
             QStringLiteral("Received--> STS1   %1 frame %2").arg(i % 1000, 5).arg(i, 9));
         // The window repaints as it would while traffic flows.
         if (i % 1000 == 999)

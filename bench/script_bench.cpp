@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
         engine.runScriptFile(path);
         replays.push_back(bench::now() - t0);
         virtualSeconds = double(pump.elapsedMs()) / 1000.0;
-        if (session.errors.errorCount() != 0)
+        if (session.errors().errorCount() != 0)
             return 1;
     }
     bench::row(

@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
     using larkspur::Session;
     const Wait waits[] = {
         {"wait_for_ack time-out", 5.0, 5, 3,
-         [](bench::Console& c) { wait_for_ack(c.session.link, false); }},
+         [](bench::Console& c) { wait_for_ack(c.session.link(), false); }},
         {"expected-message wait (WAIT sts1 5)", 5.0, 20, 3,
          [](bench::Console& c) {
              larkspur::runExpectationWait(c.session, larkspur::WaitKind::Plain,
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
          }},
         {"voice-mail answer pause", 2.0, 20, 5,
          [](bench::Console& c) {
-             larkspur::sendVmailFrame(c.session.link,
+             larkspur::sendVmailFrame(c.session.link(),
                                       QStringLiteral("\x02"
                                                      "24001  \x03"
                                                      "4"),

@@ -59,7 +59,7 @@ QComboBox* CommPortDialog::addList(const char* name, const QString& label,
 }
 
 void CommPortDialog::load() {
-    const LinkSettings& s = m_session.link.settings();
+    const LinkSettings& s = m_session.link().settings();
     if (s.commPortNumber.isEmpty())
         return;
     m_port->setCurrentText(s.commPortNumber);
@@ -73,7 +73,7 @@ void CommPortDialog::load() {
 void CommPortDialog::ok() {
     m_session.controls.setChecked(Control::mnuCommport, true);
     m_session.controls.setChecked(Control::mnuTelnet, false);
-    LinkSettings& s = m_session.link.settings();
+    LinkSettings& s = m_session.link().settings();
     s.useTcp = false;
     s.commPortNumber = m_port->currentText();
     s.parity = m_parity->currentText();

@@ -7,25 +7,25 @@
 namespace larkspur {
 
 QString cmd_save_log(Session& session) {
-    if (session.link.waitingForAck())
+    if (session.link().waitingForAck())
         return QString();
-    const QString path = session.operatorInterface.chooseFileToSave(logFileFilter);
+    const QString path = session.operatorInterface().chooseFileToSave(logFileFilter);
     QString error;
-    if (path.isEmpty() || saveLogFile(path, session.log.viewerList(), &error))
+    if (path.isEmpty() || saveLogFile(path, session.log().viewerList(), &error))
         return QString();
     return QStringLiteral("The log file %1 could not be written: %2").arg(path, error);
 }
 
 bool cmd_open_logfile(Session& session) {
-    if (session.link.waitingForAck())
+    if (session.link().waitingForAck())
         return false;
-    const QString path = session.operatorInterface.chooseFileToOpen(logFileFilter);
-    return !path.isEmpty() && appendLogFile(path, session.log.viewerList());
+    const QString path = session.operatorInterface().chooseFileToOpen(logFileFilter);
+    return !path.isEmpty() && appendLogFile(path, session.log().viewerList());
 }
 
 void cmd_new_error_file(Session& session) {
-    session.errors.clearReport();
-    session.log.viewerList().clear();
+    session.errors().clearReport();
+    session.log().viewerList().clear();
 }
 
 } // namespace larkspur

@@ -39,17 +39,18 @@ QSize initialSize(const QWidget& window) {
 
 MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     : QMainWindow(parent), m_console(console), m_session(console.session), m_engine(console.engine),
-      m_settings(settings), m_controls(console.session.controls), m_fields(console.session.fields) {
+      m_settings(settings), m_controls(console.session.controls),
+      m_fields(console.session.fields()) {
     setObjectName(QStringLiteral("PMS_FORM"));
     setWindowTitle(QStringLiteral("Larkspur"));
 
     m_traffic = new TrafficView(this);
     m_traffic->setObjectName(QStringLiteral("List1"));
-    m_session.log.setDisplay(m_traffic);
-    m_logView = new LogView(m_session.log.viewerList(), this);
+    m_session.log().setDisplay(m_traffic);
+    m_logView = new LogView(m_session.log().viewerList(), this);
     connect(m_traffic, &TrafficView::synced, m_logView, &LogView::entriesAdded);
 
-    m_status = new ConsoleStatusBar(m_session.link, this);
+    m_status = new ConsoleStatusBar(m_session.link(), this);
     setStatusBar(m_status);
     buildViews();
     buildMenus();
@@ -60,17 +61,17 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
         hideEmptyGroups();
         m_status->refresh();
     });
-    connect(&m_session.link, &Link::connecting, this,
+    connect(&m_session.link(), &Link::connecting, this,
             [this] { m_status->setLinkState(LinkState::Connecting); });
-    connect(&m_session.link, &Link::disconnected, this,
+    connect(&m_session.link(), &Link::disconnected, this,
             [this] { m_status->setLinkState(LinkState::Closed); });
-    connect(&m_session.link, &Link::linkLost, this,
+    connect(&m_session.link(), &Link::linkLost, this,
             [this](const QString& reason) { m_status->setLinkState(LinkState::Lost, reason); });
-    connect(&m_session.link, &Link::linkWarning, m_status, &ConsoleStatusBar::setWarning);
-    connect(&m_session.link, &Link::notSent, this,
+    connect(&m_session.link(), &Link::linkWarning, m_status, &ConsoleStatusBar::setWarning);
+    connect(&m_session.link(), &Link::notSent, this,
             [this] { m_status->setWarning(QStringLiteral("Nothing was sent: the link is down")); });
-    connect(&m_session.recorder, &Recording::changed, this, [this] {
-        m_status->showRecording(m_session.recorder.recording(), m_session.recorder.lines());
+    connect(&m_session.recorder(), &Recording::changed, this, [this] {
+        m_status->showRecording(m_session.recorder().recording(), m_session.recorder().lines());
     });
     connect(&m_engine, &ScriptEngine::scriptSaved, m_status, &ConsoleStatusBar::showScriptSaved);
     connect(&m_runner, &OperationRunner::allReturned, this, &MainWindow::whenAllReturned);
@@ -82,7 +83,7 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
 }
 
 MainWindow::~MainWindow() {
-    m_session.log.setDisplay(nullptr);
+    m_session.log().setDisplay(nullptr);
 }
 
 QPushButton* MainWindow::button(const char* name) {
@@ -144,7 +145,7 @@ QAction* MainWindow::menuEntry(const char* name, QMenu* menu, bool checkable) {
 }
 
 void MainWindow::Form_Load() {
-    const QString settingsProblem = loadLinkSettings(m_settings, m_session.link);
+    const QString settingsProblem = loadLinkSettings(m_settings, m_session.link());
     if (!settingsProblem.isEmpty())
         m_status->setWarning(settingsProblem);
     m_session.applyModeAndLinkChoice();
@@ -160,8 +161,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         // Operations below us on the stack are waiting in the event loop; they are told to
         // stop and the window closes once the outermost has returned.
         m_closePending = true;
-        m_session.pump.requestStop();
-        m_session.requestScriptStop();
+        m_session.pump().requestStop();
+        m_engine.cmd_cancel();
         return;
     }
     Form_Unload();
@@ -171,13 +172,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::Form_Unload() {
     m_unloading = true;
     m_runner.refuseNew();
-    m_session.pump.clearStop();
+    m_session.pump().clearStop();
     m_session.cmd_disconnect();
-    pause_seconds(m_session.pump, 1.0f);
+    pause_seconds(m_session.pump(), 1.0f);
     saveSplit();
-    const QString notSaved = saveLinkSettings(m_settings, m_session.link);
+    const QString notSaved = saveLinkSettings(m_settings, m_session.link());
     if (!notSaved.isEmpty())
-        m_session.operatorInterface.notify(notSaved);
+        m_session.operatorInterface().notify(notSaved);
 }
 
 void MainWindow::whenAllReturned() {

@@ -60,7 +60,7 @@ void MainWindow::wireCommands() {
     onClick("cmd_disconnect", [this] { m_session.cmd_disconnect(); });
     onClick("cmd_clear", [this] { m_session.cmd_clear(); });
     for (const auto& [name, command] : linkButtons)
-        onClick(name, [this, command = command] { command(m_session.link); });
+        onClick(name, [this, command = command] { command(m_session.link()); });
     for (const auto& [name, command] : scriptButtons)
         onClick(name, [this, command = command] { (m_engine.*command)(); });
     onClick("cmd_connect", [this] { connectLink(); });
@@ -76,9 +76,9 @@ void MainWindow::wireCommands() {
     onCheck("chk_error", [this](bool on) { m_session.chk_error_Click(on); });
     onCheck("chk_linked_suite", [this](bool on) { m_session.chk_linked_suite_Click(on); });
     onCheck("chk_manual", [this](bool on) { m_session.chk_manual_Click(on); });
-    onCheck("chk_DTREnabled", [this](bool on) { m_session.link.settings().dtrEnabled = on; });
-    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link.settings().rtsEnabled = on; });
-    onCheck("chk_NullDiscard", [this](bool on) { m_session.link.settings().nullDiscard = on; });
+    onCheck("chk_DTREnabled", [this](bool on) { m_session.link().settings().dtrEnabled = on; });
+    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link().settings().rtsEnabled = on; });
+    onCheck("chk_NullDiscard", [this](bool on) { m_session.link().settings().nullDiscard = on; });
     onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
 
     onChoose("cmb_restrict", [this](const QString& item) { m_session.cmb_restrict_Click(item); });
@@ -131,12 +131,12 @@ void MainWindow::onMenu(const char* name, const std::function<void()>& operation
 }
 
 void MainWindow::checkScript() {
-    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFileFilter());
+    const QString path = m_session.operatorInterface().chooseFileToOpen(scriptFileFilter());
     if (path.isEmpty())
         return;
     const ScriptFile file = readScriptFile(path);
     if (file.status != ScriptFile::Status::Read) {
-        m_session.operatorInterface.notify(
+        m_session.operatorInterface().notify(
             QStringLiteral("Cannot read script file %1: %2").arg(path, file.error));
         return;
     }

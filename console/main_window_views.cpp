@@ -17,7 +17,7 @@ void MainWindow::buildViews() {
     m_statisticsDialog = new RunStatisticsDialog(m_console.statistics, this);
     connect(&m_console, &Assembly::statisticsChanged, m_statisticsDialog,
             &RunStatisticsDialog::statisticsChanged);
-    m_tracePanel = new WireTracePanel(m_console.trace, m_session.operatorInterface, this);
+    m_tracePanel = new WireTracePanel(m_console.trace, m_session.operatorInterface(), this);
     addDockWidget(Qt::BottomDockWidgetArea, m_tracePanel);
     m_tracePanel->hide();
 }

@@ -34,7 +34,7 @@ TelnetDialog::TelnetDialog(Session& session, QWidget* parent)
 }
 
 void TelnetDialog::load() {
-    const LinkSettings& s = m_session.link.settings();
+    const LinkSettings& s = m_session.link().settings();
     m_address->ClearAddress();
     if (s.telnetPort.trimmed().toInt() == 0) {
         m_port->setText(designPort);
@@ -43,14 +43,14 @@ void TelnetDialog::load() {
     m_port->setText(s.telnetPort);
     const QString error = m_address->setAddress(s.ipAddress);
     if (!error.isEmpty())
-        m_session.operatorInterface.notify(
+        m_session.operatorInterface().notify(
             QStringLiteral("The stored PBX address cannot be shown: %1").arg(error));
 }
 
 void TelnetDialog::ok() {
     m_session.controls.setChecked(Control::mnuTelnet, true);
     m_session.controls.setChecked(Control::mnuCommport, false);
-    LinkSettings& s = m_session.link.settings();
+    LinkSettings& s = m_session.link().settings();
     s.useTcp = true;
     s.ipAddress = m_address->Address();
     s.telnetPort = m_port->text();

@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const uint8_t settings = in.byte();
 
     Rig rig(settings & 8);
-    Link& link = rig.session.link;
+    Link& link = rig.session.link();
     link.setMode(settings & 1 ? PmsMode::Vmail : PmsMode::Hotel, link.protocolType());
     link.settings().useTcp = !(settings & 2);
     link.setMode(link.pmsMode(), settings & 4 ? Protocol::His : Protocol::Hyatt);
@@ -164,7 +164,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 FUZZ_CHECK(received.size() <= 12, "only a control or RQINZ frame is named");
         }
     }
-    trace(rig.session.log.logText());
-    checkLog(rig.session.log);
+    trace(rig.session.log().logText());
+    checkLog(rig.session.log());
     return 0;
 }

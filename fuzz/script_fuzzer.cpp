@@ -204,8 +204,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     serial.openPort(QStringLiteral("/dev/ttyS0"));
     pump.processEvents();
 
-    session.link.settings().useTcp = !(play & 64);
-    FakeTransport& active = session.link.settings().useTcp ? tcp : serial;
+    session.link().settings().useTcp = !(play & 64);
+    FakeTransport& active = session.link().settings().useTcp ? tcp : serial;
     SimulatedPbx pbx{pump, active};
     if (script.pmsMode == PmsMode::Vmail)
         pbx.setMode(sim::Mode::Vmail);
@@ -233,7 +233,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool closing = pbxSends & 4;
     const auto stop = [&] {
         stopped = true;
-        session.requestScriptStop();
+        engine.cmd_cancel();
         if (closing)
             pump.requestStop();
     };
@@ -273,12 +273,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     const ScriptEngine::RunOutcome outcome = engine.runScriptFile(file.write(bytes));
 
-    trace(session.log.logText() + QStringLiteral("outcome %1 after %2 commands, %3 ms")
-                                      .arg(int(outcome))
-                                      .arg(commands)
-                                      .arg(pump.elapsedMs()));
-    FUZZ_CHECK(!engine.running() && !session.link.waitingForAck(), "nothing is left running");
-    FUZZ_CHECK(isLogText(session.log.logText()), "the log holds only 32..122 and CR LF pairs");
+    trace(session.log().logText() + QStringLiteral("outcome %1 after %2 commands, %3 ms")
+                                        .arg(int(outcome))
+                                        .arg(commands)
+                                        .arg(pump.elapsedMs()));
+    FUZZ_CHECK(!engine.running() && !session.link().waitingForAck(), "nothing is left running");
+    FUZZ_CHECK(isLogText(session.log().logText()), "the log holds only 32..122 and CR LF pairs");
     for (const FakeTransport* t : {&tcp, &serial})
         for (const QByteArray& w : t->written)
             FUZZ_CHECK(isWrite(w, script.pmsMode == PmsMode::Vmail),
@@ -299,7 +299,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
         FUZZ_CHECK(!engine.Continuous, "a Continuous script never completes");
-        FUZZ_CHECK(op.lastNotice.startsWith(session.errors.errorCount() < 1
+        FUZZ_CHECK(op.lastNotice.startsWith(session.errors().errorCount() < 1
                                                 ? QStringLiteral("Script file completed")
                                                 : QStringLiteral("Script file ended!")),
                    "completion is told");

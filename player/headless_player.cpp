@@ -47,7 +47,7 @@ public:
 };
 
 void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& script) {
-    LinkSettings& s = session.link.settings();
+    LinkSettings& s = session.link().settings();
     if (o.tcpHost) {
         s.useTcp = true;
         s.ipAddress = *o.tcpHost;
@@ -71,8 +71,8 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
     s.dtrEnabled = o.dtr;
     s.rtsEnabled = o.rts;
     s.nullDiscard = o.nullDiscard;
-    session.link.setMode(o.mode.value_or(script.pmsMode), session.link.protocolType());
-    session.link.setMode(session.link.pmsMode(), o.protocol.value_or(script.protocolType));
+    session.link().setMode(o.mode.value_or(script.pmsMode), session.link().protocolType());
+    session.link().setMode(session.link().pmsMode(), o.protocol.value_or(script.protocolType));
     session.chk_error_Click(o.errorMode);
 }
 
@@ -175,25 +175,25 @@ int HeadlessRun::exec() {
 
 int HeadlessRun::play(const ScriptText& script) {
     // Every line goes to its files as it comes; nothing is kept for a viewer nobody opens.
-    m_session.log.setDisplay(&m_outputs);
-    m_session.log.keepHistory(false);
-    m_session.errors.keepReport(false);
-    m_outputs.follow(m_session.errors, m_console.trace);
+    m_session.log().setDisplay(&m_outputs);
+    m_session.log().keepHistory(false);
+    m_session.errors().keepReport(false);
+    m_outputs.follow(m_session.errors(), m_console.trace);
 
     if (!m_options.noSettings) {
         QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
-        const QString settingsProblem = loadLinkSettings(store, m_session.link);
+        const QString settingsProblem = loadLinkSettings(store, m_session.link());
         if (!settingsProblem.isEmpty())
             printNotice(settingsProblem);
     }
     applyOptions(m_options, m_session, script);
     m_engine.Continuous = m_options.continuous;
-    QObject::connect(&m_session.link, &Link::linkLost,
+    QObject::connect(&m_session.link(), &Link::linkLost,
                      [this](const QString& reason) { onLinkLost(reason); });
     // A signal acts as CANCEL after every command, so nothing more is played.
     QObject::connect(&m_engine, &ScriptEngine::commandFinished, [this] {
         if (m_termination)
-            m_session.requestScriptStop();
+            m_engine.cmd_cancel();
     });
     QObject::connect(
         &m_engine, &ScriptEngine::unrecognizedCommand, [](int line, const QString& why) {
@@ -201,7 +201,7 @@ int HeadlessRun::play(const ScriptText& script) {
         });
 
     if (m_beforeConnect)
-        m_beforeConnect(m_session.link.pmsMode());
+        m_beforeConnect(m_session.link().pmsMode());
     const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
     if (m_termination || connected != Link::ConnectResult::Connected)
         return connectionFailed(connected);
@@ -213,7 +213,7 @@ int HeadlessRun::play(const ScriptText& script) {
 }
 
 int HeadlessRun::connectionFailed(Link::ConnectResult connected) {
-    const LinkSettings& s = m_session.link.settings();
+    const LinkSettings& s = m_session.link().settings();
     QString why;
     int status = exitcode::noLink;
     if (m_termination) {
@@ -241,7 +241,7 @@ void HeadlessRun::onSignal(Termination termination) {
     // Acts as CANCEL, and ends whatever wait runs now (a transaction's too) at once.
     if (!m_termination)
         m_termination = termination;
-    m_session.requestScriptStop();
+    m_engine.cmd_cancel();
     m_pump.requestStop();
 }
 

@@ -15,9 +15,9 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine) : m_session
                 fail(QStringLiteral("the script stops here: ") + why);
             });
     connect(&engine, &ScriptEngine::runFinished, this, &JunitRecorder::finish);
-    connect(&session.errors, &ErrorRecords::errorRecorded, this,
+    connect(&session.errors(), &ErrorRecords::errorRecorded, this,
             [this](const QString& record) { fail(record.trimmed()); });
-    connect(&session.link, &Link::linkLost, this,
+    connect(&session.link(), &Link::linkLost, this,
             [this](const QString& reason) { fail(QStringLiteral("link lost: ") + reason); });
     // A transaction that sent nothing because it refused a field: what it logged says why.
     connect(&session, &Session::pressRefused, this, &JunitRecorder::fail);
@@ -49,7 +49,7 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine) : m_session
 void JunitRecorder::open(const QString& name, int line) {
     close();
     m_case = JunitReport::Case{name, 0, {}, {}, line};
-    m_started = m_session.pump.monotonicSeconds();
+    m_started = m_session.pump().monotonicSeconds();
     m_outputLeftOut = 0;
 }
 
@@ -77,7 +77,7 @@ void JunitRecorder::addOutput(QStringView text) {
 void JunitRecorder::close() {
     if (!m_case)
         return;
-    m_case->seconds = m_session.pump.monotonicSeconds() - m_started;
+    m_case->seconds = m_session.pump().monotonicSeconds() - m_started;
     if (m_outputLeftOut > 0)
         m_case->output +=
             QStringLiteral("[%1 more characters of output left out]\n").arg(m_outputLeftOut);

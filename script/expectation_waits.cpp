@@ -20,7 +20,7 @@ bool matches(const Session& session, const QString& item, const QString& lastCon
     const ExpectationItem* expected = findExpectationItem(item);
     if (!expected || !expected->hasRoom())
         return false;
-    const QString room = roomForm(session.fields.text(Field::txt_suite_1));
+    const QString room = roomForm(session.fields().text(Field::txt_suite_1));
     return lastControl == start_of_text() + expected->expected + room + end_of_text();
 }
 } // namespace
@@ -38,10 +38,10 @@ bool isExpectationItem(const QString& item) {
     return findExpectationItem(item) != nullptr;
 }
 
-void runExpectationWait(Session& session, WaitKind kind, const QString& item,
-                        const QString& given) {
-    Link& link = session.link;
-    EventPump& pump = session.pump;
+void runExpectationWait(Session& session, WaitKind kind, const QString& item, const QString& given,
+                        bool& stopScript) {
+    Link& link = session.link();
+    EventPump& pump = session.pump();
     const Link::WaitGuard busy(link);
     // Only what arrives from now on counts.
     ReceivedMessages::Reader arrivals = link.received().reader();
@@ -50,7 +50,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
     const double deadline = pump.monotonicSeconds() + seconds;
     const QDateTime started = pump.currentDateTime();
     const bool plain = kind == WaitKind::Plain;
-    session.log.logLine(
+    session.log().logLine(
         (plain ? QStringLiteral("waiting for --> ") : QStringLiteral("send notify for --> ")) +
         item);
 
@@ -64,10 +64,10 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
                 break;
             }
             if (plain) {
-                session.log.logLine(QStringLiteral("ERROR occurred: did not recieve --> ") + item +
-                                    carriage_return() + QStringLiteral("but recieved --> ") +
-                                    *lastControl);
-                session.errors.recordError(
+                session.log().logLine(QStringLiteral("ERROR occurred: did not recieve --> ") +
+                                      item + carriage_return() +
+                                      QStringLiteral("but recieved --> ") + *lastControl);
+                session.errors().recordError(
                     Time_of_error(pump.currentDateTime()) +
                         QStringLiteral(": ERROR occurred while waiting for --> ") + item +
                         QStringLiteral("\nbut instead receieved --> ") + *lastControl +
@@ -84,7 +84,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
             end = End::TimedOut;
             break;
         }
-        if (session.stopScript() || link.interrupted()) {
+        if (stopScript || link.interrupted()) {
             end = End::Stopped;
             break;
         }
@@ -98,22 +98,22 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item,
 
     if (end == End::Success) {
         const QString success = QStringLiteral("successfully received --> ") + item;
-        session.operatorInterface.notify(success);
-        session.log.logLine(success);
-        const QString room = session.fields.text(Field::txt_suite_1);
-        session.recorder.record(expectationScriptLine(!plain, item, roomForm(room), digit));
+        session.operatorInterface().notify(success);
+        session.log().logLine(success);
+        const QString room = session.fields().text(Field::txt_suite_1);
+        session.recorder().record(expectationScriptLine(!plain, item, roomForm(room), digit));
     } else if (end == End::TimedOut) {
-        session.log.logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
-        session.errors.recordError(Time_of_error(pump.currentDateTime()) +
-                                       QStringLiteral(": Time expired.  Did not receive--> ") +
-                                       item + QStringLiteral("\n\n"),
-                                   false);
+        session.log().logLine(QStringLiteral("Time expired.  Did not receive--> ") + item);
+        session.errors().recordError(Time_of_error(pump.currentDateTime()) +
+                                         QStringLiteral(": Time expired.  Did not receive--> ") +
+                                         item + QStringLiteral("\n\n"),
+                                     false);
     }
     if (end != End::Stopped)
         Q_EMIT session.expectationEnded(item, end == End::Success, waitedMs);
     else
         Q_EMIT session.expectationStopped(item);
-    session.clearScriptStop();
+    stopScript = false;
 }
 
 } // namespace larkspur

@@ -18,7 +18,9 @@ int waitSeconds(const QString& text);
 enum class WaitKind { Plain, WithNotice };
 
 // Holds the console until the PBX sends `item` or the wait's time (the digit; "0" is no limit,
-// anything but a digit is 5) runs out, or a stop is asked for.
-void runExpectationWait(Session& session, WaitKind kind, const QString& item, const QString& digit);
+// anything but a digit is 5) runs out, or a stop is asked for in `stopScript`, which the wait
+// clears as it ends.
+void runExpectationWait(Session& session, WaitKind kind, const QString& item, const QString& digit,
+                        bool& stopScript);
 
 } // namespace larkspur

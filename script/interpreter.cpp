@@ -32,13 +32,13 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
         // Closing the console asks for a stop too: a wait it ended has cleared stopScript, and
         // every later wait would return at once, so a Continuous script would never end.
         // A lost link stops the script as a disconnect does.
-        if (s.stopScript() || s.link.interrupted()) {
-            s.clearScriptStop();
-            s.log.logLine(QStringLiteral("Script cancelled..."));
+        if (m_stopScript || s.link().interrupted()) {
+            m_stopScript = false;
+            s.log().logLine(QStringLiteral("Script cancelled..."));
             return RunOutcome::Cancelled;
         }
         for (Field room : roomFields)
-            s.fields.setText(room, QString());
+            s.fields().setText(room, QString());
 
         const ScriptStep step = readStep(script, position);
         switch (step.kind) {
@@ -56,12 +56,12 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
             break;
         case ScriptStep::Kind::End:
             if (!Continuous) {
-                if (s.errors.errorCount() < 1)
-                    s.operatorInterface.notify(QStringLiteral("Script file completed"));
+                if (s.errors().errorCount() < 1)
+                    s.operatorInterface().notify(QStringLiteral("Script file completed"));
                 else
-                    s.operatorInterface.notify(
+                    s.operatorInterface().notify(
                         QStringLiteral("Script file ended!") + carriage_return() +
-                        QStringLiteral(" There were %1 Errors").arg(s.errors.errorCount()) +
+                        QStringLiteral(" There were %1 Errors").arg(s.errors().errorCount()) +
                         carriage_return() + QStringLiteral("View Log for details"));
                 restoreButtonsAfterRun();
                 return RunOutcome::Completed;
@@ -76,15 +76,15 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
             position = step.next;
         // The pause between commands is a wait of the run: nothing pressed meanwhile may start
         // a wait of its own inside it.
-        const Link::WaitGuard pacing(s.link);
-        pause_seconds(s.pump, commandPacingSeconds);
+        const Link::WaitGuard pacing(s.link());
+        pause_seconds(s.pump(), commandPacingSeconds);
     }
 }
 
 void ScriptEngine::play(const ScriptStep& step) {
     Session& s = m_session;
     for (const ReadField& field : step.fields)
-        s.fields.setText(field.field, field.text);
+        s.fields().setText(field.field, field.text);
     switch (step.kind) {
     case ScriptStep::Kind::Transaction:
         step.command->press(s);
@@ -93,7 +93,7 @@ void ScriptEngine::play(const ScriptStep& step) {
         s.send_linked_suite(step.word);
         break;
     case ScriptStep::Kind::Expectation:
-        runExpectationWait(s, step.waitKind, step.expectation->item, step.digit);
+        runExpectationWait(s, step.waitKind, step.expectation->item, step.digit, m_stopScript);
         break;
     default:
         break;
@@ -104,13 +104,13 @@ ScriptEngine::RunOutcome ScriptEngine::stopOnUnrecognized(const QString& command
                                                           const QString& why) {
     Session& s = m_session;
     Q_EMIT unrecognizedCommand(fileLine, why);
-    s.operatorInterface.notify(QStringLiteral("Command: ") + command);
-    s.errors.recordError(Time_of_error(s.pump.currentDateTime()) +
-                             QStringLiteral("-> Script File Corrupt:\n\n\n"),
-                         false);
-    s.log.logLine(QStringLiteral("Script file error! Unrecognized command"));
+    s.operatorInterface().notify(QStringLiteral("Command: ") + command);
+    s.errors().recordError(Time_of_error(s.pump().currentDateTime()) +
+                               QStringLiteral("-> Script File Corrupt:\n\n\n"),
+                           false);
+    s.log().logLine(QStringLiteral("Script file error! Unrecognized command"));
     restoreButtonsAfterRun();
-    s.log.logLine(QStringLiteral("Script Cancelled!"));
+    s.log().logLine(QStringLiteral("Script Cancelled!"));
     return RunOutcome::Unrecognized;
 }
 

@@ -14,10 +14,10 @@ namespace {
 
 // The recording buttons act only on a live link.
 bool linkIsUp(Session& s) {
-    if (s.link.isOpen())
+    if (s.link().isOpen())
         return true;
-    s.operatorInterface.notify(s.link.settings().useTcp ? QStringLiteral("Not Connected!")
-                                                        : QStringLiteral("port closed"));
+    s.operatorInterface().notify(s.link().settings().useTcp ? QStringLiteral("Not Connected!")
+                                                            : QStringLiteral("port closed"));
     return false;
 }
 
@@ -35,40 +35,40 @@ const QStringList& ScriptEngine::expectationItems() {
 
 void ScriptEngine::cmd_start_script() {
     Session& s = m_session;
-    if (s.link.waitingForAck() || !linkIsUp(s))
+    if (s.link().waitingForAck() || !linkIsUp(s))
         return;
     s.controls.setEnabled(Control::cmd_start_script, false);
     s.controls.setEnabled(Control::cmd_end_script, true);
     s.controls.setEnabled(Control::Xtest, false);
-    if (s.recorder.recording()) {
-        s.operatorInterface.notify(QStringLiteral("A script file is already in progress."));
+    if (s.recorder().recording()) {
+        s.operatorInterface().notify(QStringLiteral("A script file is already in progress."));
     } else {
-        s.recorder.start(scriptHeader(s.link.pmsMode(), s.link.protocolType()));
+        s.recorder().start(scriptHeader(s.link().pmsMode(), s.link().protocolType()));
     }
-    s.errors.resetErrors();
+    s.errors().resetErrors();
 }
 
 void ScriptEngine::cmd_end_script() {
     Session& s = m_session;
-    if (s.link.waitingForAck() || !linkIsUp(s))
+    if (s.link().waitingForAck() || !linkIsUp(s))
         return;
-    if (!s.recorder.recording()) {
-        s.operatorInterface.notify(QStringLiteral("No script has been started"));
+    if (!s.recorder().recording()) {
+        s.operatorInterface().notify(QStringLiteral("No script has been started"));
         return;
     }
     // A cancelled dialog or a failed write keeps the recording, so nothing recorded is lost.
-    const QString path = s.operatorInterface.chooseFileToSave(scriptFileFilter());
+    const QString path = s.operatorInterface().chooseFileToSave(scriptFileFilter());
     if (path.isEmpty())
         return;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(s.recorder.scriptText().toLatin1()) < 0 ||
+    if (!file.open(QIODevice::WriteOnly) || file.write(s.recorder().scriptText().toLatin1()) < 0 ||
         !file.commit()) {
-        s.operatorInterface.notify(
+        s.operatorInterface().notify(
             QStringLiteral("Cannot write script file %1: %2").arg(path, file.errorString()));
         return;
     }
-    const int lines = s.recorder.lines();
-    s.recorder.finish();
+    const int lines = s.recorder().lines();
+    s.recorder().finish();
     s.controls.setEnabled({Control::Xtest, Control::cmd_start_script}, true);
     s.controls.setEnabled(Control::cmd_end_script, false);
     Q_EMIT scriptSaved(path, lines);
@@ -83,18 +83,18 @@ void ScriptEngine::cmb_notify_Click(const QString& item) {
 }
 
 void ScriptEngine::startListedWait(const QString& item, bool plain) {
-    if (m_session.link.waitingForAck())
+    if (m_session.link().waitingForAck())
         return;
     const QString chosen = item.trimmed();
     if (chosen.isEmpty())
         return;
     if (!isExpectationItem(chosen)) {
-        m_session.operatorInterface.notify(QStringLiteral("message not recgonized"));
+        m_session.operatorInterface().notify(QStringLiteral("message not recgonized"));
         return;
     }
     // The wait's time comes from the wake-up time field.
     runExpectationWait(m_session, plain ? WaitKind::Plain : WaitKind::WithNotice, chosen,
-                       m_session.fields.text(Field::txt_time));
+                       m_session.fields().text(Field::txt_time), m_stopScript);
 }
 
 } // namespace larkspur

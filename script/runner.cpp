@@ -22,16 +22,21 @@ QString scriptFileFilter() {
     return QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 }
 
-ScriptEngine::ScriptEngine(Session& session) : m_session(session) {}
+ScriptEngine::ScriptEngine(Session& session) : m_session(session) {
+    // A disconnect, asked for or not, stops a running script.
+    const auto stop = [this] { m_stopScript = true; };
+    connect(&session.link(), &Link::disconnected, this, stop);
+    connect(&session.link(), &Link::linkLost, this, stop);
+}
 
 void ScriptEngine::Xtest() {
     if (m_running)
         return;
-    if (m_session.link.waitingForAck()) {
-        m_session.errors.resetErrors();
+    if (m_session.link().waitingForAck()) {
+        m_session.errors().resetErrors();
         return;
     }
-    const QString path = m_session.operatorInterface.chooseFileToOpen(scriptFileFilter());
+    const QString path = m_session.operatorInterface().chooseFileToOpen(scriptFileFilter());
     if (path.isEmpty())
         return;
     runScriptFile(path);
@@ -42,12 +47,12 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
     // A run never starts inside another: it would play in the other's pauses and take its count.
     if (m_running)
         return RunOutcome::Busy;
-    s.errors.resetErrors();
-    if (s.link.waitingForAck())
+    s.errors().resetErrors();
+    if (s.link().waitingForAck())
         return RunOutcome::Busy;
     const ScriptFile file = readScriptFile(path);
     if (file.status != ScriptFile::Status::Read) {
-        s.operatorInterface.notify(
+        s.operatorInterface().notify(
             QStringLiteral("Cannot read script file %1: %2").arg(path, file.error));
         return RunOutcome::NotRead;
     }
@@ -58,11 +63,11 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
     Session& s = m_session;
     if (m_running)
         return RunOutcome::Busy;
-    s.errors.resetErrors();
-    if (s.link.waitingForAck())
+    s.errors().resetErrors();
+    if (s.link().waitingForAck())
         return RunOutcome::Busy;
 
-    s.clearScriptStop();
+    m_stopScript = false;
     s.controls.setEnabled({Control::cmd_start_script, Control::cmd_end_script, Control::Xtest},
                           false);
     s.controls.setEnabled(Control::StopScript, true);
@@ -71,14 +76,14 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
         rest.removeAll(control);
     s.controls.setEnabled(rest, false);
 
-    s.link.setMode(script.pmsMode, script.protocolType);
+    s.link().setMode(script.pmsMode, script.protocolType);
     if (script.pmsMode == PmsMode::Hotel)
         s.set_hotel_labels();
     else
         s.set_vmail_labels();
     s.controls.setEnabled(transactionButtons(), false);
 
-    s.log.logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
+    s.log().logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
     m_running = true;
     const RunOutcome outcome = interpret(script);
     m_running = false;
@@ -88,26 +93,26 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 
 void ScriptEngine::StopScript() {
     Session& s = m_session;
-    s.requestScriptStop();
+    m_stopScript = true;
     s.controls.setEnabled({Control::cmd_start_script, Control::Xtest}, true);
     s.controls.setEnabled({Control::cmd_end_script, Control::StopScript}, false);
     s.controls.setEnabled(transactionButtons(), true);
 }
 
 void ScriptEngine::cmd_cancel() {
-    m_session.requestScriptStop();
+    m_stopScript = true;
 }
 
 void ScriptEngine::WAIT(const QString& item, const QString& digit) {
-    runExpectationWait(m_session, WaitKind::Plain, item, digit);
+    runExpectationWait(m_session, WaitKind::Plain, item, digit, m_stopScript);
 }
 
 void ScriptEngine::NTFY(const QString& item, const QString& digit) {
-    runExpectationWait(m_session, WaitKind::WithNotice, item, digit);
+    runExpectationWait(m_session, WaitKind::WithNotice, item, digit, m_stopScript);
 }
 
 void ScriptEngine::cmd_recovery() {
-    Link& link = m_session.link;
+    Link& link = m_session.link();
     // Started inside a wait, its own bids and waits would hold that wait up.
     if (link.waitingForAck())
         return;

@@ -50,7 +50,11 @@ public:
     bool running() const { return m_running; }
 
     void StopScript();
+    // CANCEL: asks for a stop and nothing else.
     void cmd_cancel();
+    // `stopScript`: asked by Stop, Cancel, Disconnect and a lost link; a running script stops at
+    // its next step, and the step that stops clears it; a wait ends and clears it.
+    bool stopScript() const { return m_stopScript; }
 
     // The expected-message waits: plain (errors for other messages) and with notice.
     void WAIT(const QString& item, const QString& digit);
@@ -83,6 +87,7 @@ private:
 
     Session& m_session;
     bool m_running = false;
+    bool m_stopScript = false;
 };
 
 } // namespace larkspur

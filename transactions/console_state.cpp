@@ -101,8 +101,8 @@ void Session::mnuHotel_Click() {
     controls.setEnabled(Control::mnu_HIS, false);
     controls.setChecked(Control::mnu_HIS, false);
     controls.setChecked(Control::mnu_Hyatt, true);
-    link.setMode(link.pmsMode(), Protocol::Hyatt);
-    link.setMode(PmsMode::Hotel, link.protocolType());
+    m_link.setMode(m_link.pmsMode(), Protocol::Hyatt);
+    m_link.setMode(PmsMode::Hotel, m_link.protocolType());
     set_hotel_labels();
 }
 
@@ -110,18 +110,18 @@ void Session::mnuVoiceMail_Click() {
     controls.setChecked(Control::mnuHotel, false);
     controls.setChecked(Control::mnuVoiceMail, true);
     controls.setEnabled(Control::mnu_HIS, true);
-    link.setMode(PmsMode::Vmail, link.protocolType());
+    m_link.setMode(PmsMode::Vmail, m_link.protocolType());
     set_vmail_labels();
 }
 
 void Session::mnu_HIS_Click() {
-    link.setMode(link.pmsMode(), Protocol::His);
+    m_link.setMode(m_link.pmsMode(), Protocol::His);
     controls.setChecked(Control::mnu_Hyatt, false);
     controls.setChecked(Control::mnu_HIS, true);
 }
 
 void Session::mnu_Hyatt_Click() {
-    link.setMode(link.pmsMode(), Protocol::Hyatt);
+    m_link.setMode(m_link.pmsMode(), Protocol::Hyatt);
     controls.setChecked(Control::mnu_Hyatt, true);
     controls.setChecked(Control::mnu_HIS, false);
 }
@@ -142,16 +142,16 @@ void Session::chk_manual_Click(bool checked) {
 }
 
 void Session::cmd_clear() {
-    log.clearDisplay();
+    m_log.clearDisplay();
 }
 
 void Session::applyModeAndLinkChoice() {
-    const bool hyatt = link.protocolType() == Protocol::Hyatt;
+    const bool hyatt = m_link.protocolType() == Protocol::Hyatt;
     controls.setChecked(Control::mnu_Hyatt, hyatt);
     controls.setChecked(Control::mnu_HIS, !hyatt);
-    controls.setChecked(Control::mnuTelnet, link.settings().useTcp);
-    controls.setChecked(Control::mnuCommport, !link.settings().useTcp);
-    const bool hotel = link.pmsMode() == PmsMode::Hotel;
+    controls.setChecked(Control::mnuTelnet, m_link.settings().useTcp);
+    controls.setChecked(Control::mnuCommport, !m_link.settings().useTcp);
+    const bool hotel = m_link.pmsMode() == PmsMode::Hotel;
     controls.setChecked(Control::mnuHotel, hotel);
     controls.setChecked(Control::mnuVoiceMail, !hotel);
     if (hotel)
@@ -161,11 +161,11 @@ void Session::applyModeAndLinkChoice() {
 }
 
 Link::ConnectResult Session::cmd_connect(double connectLimitSeconds) {
-    return link.cmd_connect(connectLimitSeconds);
+    return m_link.cmd_connect(connectLimitSeconds);
 }
 
 void Session::cmd_disconnect() {
-    link.cmd_disconnect();
+    m_link.cmd_disconnect();
     controls.setEnabled(Control::cmd_connect, true);
     controls.setEnabled(Control::cmd_disconnect, false);
 }

@@ -76,16 +76,16 @@ void pressHotel(const QString& code, const PressInput& input, PressSteps& steps)
 }
 
 PressInput sessionInput(const Session& session) {
-    return {.text = [&session](Field field) { return session.fields.text(field); },
+    return {.text = [&session](Field field) { return session.fields().text(field); },
             .errorMode = session.errorMode(),
-            .protocol = session.link.protocolType()};
+            .protocol = session.link().protocolType()};
 }
 
 void SessionPress::refuse(const FieldRefusal& refusal) {
     if (refusal.notice)
-        m_session.operatorInterface.notify(refusal.text);
+        m_session.operatorInterface().notify(refusal.text);
     else
-        m_session.log.logLine(refusal.text);
+        m_session.log().logLine(refusal.text);
     m_said.append(refusal.text);
     Q_EMIT m_session.fieldRefused(refusal.text);
 }
@@ -110,11 +110,11 @@ public:
 
 protected:
     bool deliver(const PressMessage& message) override {
-        if (!m_session.reportSent(sendHotelMessage(m_session.link, m_session.errors, m_rule,
+        if (!m_session.reportSent(sendHotelMessage(m_session.link(), m_session.errors(), m_rule,
                                                    message.body, m_attempt, message.reported),
                                   message.body))
             return false;
-        m_session.recorder.record(message.body);
+        m_session.recorder().record(message.body);
         return true;
     }
 
@@ -126,7 +126,7 @@ private:
 } // namespace
 
 void sendToRooms(Session& session, const HotelTransaction& transaction) {
-    if (session.link.waitingForAck())
+    if (session.link().waitingForAck())
         return;
     HotelPress press(session, transaction.rule);
     pressRooms(transaction, sessionInput(session), press);

@@ -52,11 +52,11 @@ public:
 protected:
     bool deliver(const PressMessage& message) override {
         int attempt = 1;
-        if (!m_session.reportSent(sendHotelMessage(m_session.link, m_session.errors, suiteRule,
+        if (!m_session.reportSent(sendHotelMessage(m_session.link(), m_session.errors(), suiteRule,
                                                    message.body, attempt, message.body),
                                   message.body))
             return false;
-        m_session.recorder.record(message.body);
+        m_session.recorder().record(message.body);
         return true;
     }
 };
@@ -97,7 +97,7 @@ void pressLinkedSuite(const QString& word, const PressInput& input, PressSteps& 
 }
 
 void Session::send_linked_suite(const QString& word) {
-    if (link.waitingForAck())
+    if (m_link.waitingForAck())
         return;
     SuitePress press(*this);
     pressLinkedSuite(word, sessionInput(*this), press);
@@ -121,7 +121,7 @@ void Session::cmd_ste_explain() {
     QString text;
     for (const char* row : rows)
         text += QString::fromLatin1(row) + u'\n';
-    operatorInterface.notify(text);
+    m_operator.notify(text);
 }
 
 } // namespace larkspur

@@ -26,24 +26,20 @@ class Session : public QObject {
 public:
     Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial);
 
-    EventPump& pump;
-    OperatorInterface& operatorInterface;
-    TrafficLog log;
-    Link link;
-    Fields fields;
-    Controls controls;
-    ErrorRecords errors;
+    EventPump& pump() { return m_pump; }
+    OperatorInterface& operatorInterface() { return m_operator; }
+    TrafficLog& log() { return m_log; }
+    Link& link() { return m_link; }
+    const Link& link() const { return m_link; }
+    Fields& fields() { return m_fields; }
+    const Fields& fields() const { return m_fields; }
+    ErrorRecords& errors() { return m_errors; }
     // The script being recorded.
-    Recording recorder;
+    Recording& recorder() { return m_recorder; }
+    Controls controls;
 
     // "Error Mode": fields go out as typed, untrimmed and unchecked.
     bool errorMode() const { return m_errorMode; }
-
-    // Asked by Stop, Cancel, Disconnect and a lost link; a running script stops at its next
-    // step, and the step that stops clears it.
-    void requestScriptStop() { m_stopScript = true; }
-    void clearScriptStop() { m_stopScript = false; }
-    bool stopScript() const { return m_stopScript; }
 
     // The last voice-mail frame sent (all operations but the mailbox check-in).
     const QString& lastVmailMessage() const { return m_lastVmailMessage; }
@@ -98,8 +94,14 @@ Q_SIGNALS:
     void pressRefused(const QString& text);
 
 private:
+    EventPump& m_pump;
+    OperatorInterface& m_operator;
+    TrafficLog m_log;
+    Link m_link;
+    Fields m_fields;
+    ErrorRecords m_errors;
+    Recording m_recorder;
     bool m_errorMode = false;
-    bool m_stopScript = false;
     QString m_lastVmailMessage;
 };
 

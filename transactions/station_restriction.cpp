@@ -33,7 +33,7 @@ void Session::cmb_restrict_Click(const QString& item) {
             return;
         }
     }
-    operatorInterface.notify(QStringLiteral("message not recgonized"));
+    m_operator.notify(QStringLiteral("message not recgonized"));
 }
 
 void Session::send_station_restriction(const QString& level) {

@@ -33,7 +33,7 @@ void Session::press(Control button) {
     if (!transactionButtons().contains(button))
         return;
     const VmailMessage* vmail = vmailMessageOf(button);
-    if (vmail && link.pmsMode() != PmsMode::Hotel) {
+    if (vmail && m_link.pmsMode() != PmsMode::Hotel) {
         send_vmail_operation(*this, vmail->code);
         return;
     }

@@ -28,18 +28,18 @@ public:
     VmailPress(Session& session, bool mailboxCheckIn)
         : SessionPress(session), m_mailboxCheckIn(mailboxCheckIn) {}
 
-    void cut(Field field, const QString& kept) override { m_session.fields.setText(field, kept); }
+    void cut(Field field, const QString& kept) override { m_session.fields().setText(field, kept); }
 
 protected:
     bool deliver(const PressMessage& message) override {
         if (!m_mailboxCheckIn)
             m_session.keepVmailMessage(message.body);
         const SendResult result =
-            sendVmailFrame(m_session.link, message.body, message.reported, !m_mailboxCheckIn);
+            sendVmailFrame(m_session.link(), message.body, message.reported, !m_mailboxCheckIn);
         m_session.reportSent(result, message.reported);
         if (result == SendResult::Interrupted)
             return false;
-        m_session.recorder.record(vmailScriptLine(message.body));
+        m_session.recorder().record(vmailScriptLine(message.body));
         return true;
     }
 
@@ -79,7 +79,7 @@ void pressVmail(const QString& code, const PressInput& input, PressSteps& steps)
 void send_vmail_operation(Session& session, const QString& code) {
     // The mailbox check-in alone has no guard.
     const bool mailboxCheckIn = code == u"2";
-    if (!mailboxCheckIn && session.link.waitingForAck())
+    if (!mailboxCheckIn && session.link().waitingForAck())
         return;
     VmailPress press(session, mailboxCheckIn);
     pressVmail(code, sessionInput(session), press);

@@ -17,7 +17,7 @@ protected:
 
     void SetUp() override {
         SessionFixture::SetUp();
-        session.recorder.suspend();
+        session.recorder().suspend();
         session.enable_transaction_controls();
     }
 

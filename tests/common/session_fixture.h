@@ -22,7 +22,7 @@ protected:
         tcp.connectToHost(QStringLiteral("127.0.0.1"), 15374);
         pump.processEvents();
         tcp.written.clear();
-        session.recorder.start(QString());
+        session.recorder().start(QString());
     }
 
     // A fresh start for the next case of a table: link open, fields empty, nothing logged, sent
@@ -30,17 +30,17 @@ protected:
     void restart() {
         SetUp();
         for (int f = 0; f < fieldCount; ++f)
-            session.fields.setText(Field(f), QString());
-        session.log = TrafficLog();
-        session.errors.clearReport();
-        session.errors.resetErrors();
+            session.fields().setText(Field(f), QString());
+        session.log() = TrafficLog();
+        session.errors().clearReport();
+        session.errors().resetErrors();
         session.keepVmailMessage(QString());
         op.notices.clear();
     }
 
     void type(const FieldTexts& texts) {
         for (const auto& [field, text] : texts)
-            session.fields.setText(field, text);
+            session.fields().setText(field, text);
     }
     // The restriction list's choice, sent when cmb_restrict is clicked.
     QString chosenRestriction = QStringLiteral("long distant call");
@@ -55,13 +55,13 @@ protected:
         press(action);
     }
 
-    QStringList lines() const {
-        QStringList l = session.log.logText().split(QStringLiteral("\r\n"));
+    QStringList lines() {
+        QStringList l = session.log().logText().split(QStringLiteral("\r\n"));
         if (!l.isEmpty() && l.last().isEmpty())
             l.removeLast();
         return l;
     }
-    QString stamp() const { return Time_of_error(pump.currentDateTime()); }
+    QString stamp() { return Time_of_error(pump.currentDateTime()); }
 };
 
 // The log of one line bid that the PBX grants.

@@ -29,7 +29,7 @@ namespace {
 
 class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
-    LinkSettings& settings = session.link.settings();
+    LinkSettings& settings = session.link().settings();
 
     bool ticked(const char* menu) { return session.controls.state(*controlNamed(menu)).checked; }
     template <typename T> T* in(QWidget& dialog, const char* name) {

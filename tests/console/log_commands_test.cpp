@@ -20,7 +20,7 @@ class LogCommands : public ::testing::Test, protected FakeSession {
 protected:
     QTemporaryDir dir;
     QString path = dir.filePath("pms.log");
-    LogViewList& list = session.log.viewerList();
+    LogViewList& list = session.log().viewerList();
 
     QStringList entries() const {
         QStringList l;
@@ -31,8 +31,8 @@ protected:
 };
 
 TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
-    session.log.logLine("Connected...");
-    session.log.logLine("Received--> ACK");
+    session.log().logLine("Connected...");
+    session.log().logLine("Received--> ACK");
     op.filesToSave = {path};
     cmd_save_log(session);
     QFile file(path);
@@ -40,11 +40,11 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
     EXPECT_EQ(file.readAll(), "Connected...\r\nReceived--> ACK\r\n");
     EXPECT_EQ(op.filters, QStringList{"PMS Log File (*.log)"});
 
-    session.errors.recordError("an old failure", false);
+    session.errors().recordError("an old failure", false);
     cmd_new_error_file(session);
     EXPECT_TRUE(entries().isEmpty());
-    EXPECT_TRUE(session.errors.errorReport().isEmpty());
-    EXPECT_EQ(session.log.logText(), "Connected...\r\nReceived--> ACK\r\n")
+    EXPECT_TRUE(session.errors().errorReport().isEmpty());
+    EXPECT_EQ(session.log().logText(), "Connected...\r\nReceived--> ACK\r\n")
         << "the traffic itself is not touched";
 
     op.filesToOpen = {path, path};
@@ -55,20 +55,20 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
 }
 
 TEST_F(LogCommands, ALogFileThatCannotBeWrittenIsSaid) {
-    session.log.logLine("kept");
+    session.log().logLine("kept");
     const QString nowhere = dir.filePath("no/such/folder/pms.log");
     op.filesToSave = {nowhere};
     const QString said = cmd_save_log(session);
     EXPECT_TRUE(said.startsWith("The log file " + nowhere + " could not be written: "))
         << said.toStdString();
     EXPECT_TRUE(op.notices.isEmpty()) << "no box, as for every other log command";
-    EXPECT_EQ(session.log.logText(), "kept\r\n") << "and nothing logged";
+    EXPECT_EQ(session.log().logText(), "kept\r\n") << "and nothing logged";
     op.filesToSave = {path};
     EXPECT_EQ(cmd_save_log(session), "");
 }
 
 TEST_F(LogCommands, CancelledDialogsChangeNothing) {
-    session.log.logLine("kept");
+    session.log().logLine("kept");
     EXPECT_FALSE(cmd_open_logfile(session)) << "no viewer after a cancelled open";
     cmd_save_log(session);
     EXPECT_EQ(entries(), QStringList{"kept"});
@@ -76,8 +76,8 @@ TEST_F(LogCommands, CancelledDialogsChangeNothing) {
 }
 
 TEST_F(LogCommands, OpenAndSaveWaitForTheAcknowledgement) {
-    session.log.logLine("kept");
-    const Link::WaitGuard busy(session.link);
+    session.log().logLine("kept");
+    const Link::WaitGuard busy(session.link());
     op.filesToOpen = {path};
     op.filesToSave = {path};
     EXPECT_FALSE(cmd_open_logfile(session));
@@ -92,11 +92,11 @@ TEST_F(LogCommands, ViewerShowsTheListAndOnlyHidesWhenClosed) {
     LogView viewer(list);
     auto* view = viewer.findChild<LineView*>("lst_log");
     ASSERT_TRUE(view);
-    session.log.logLine("first");
+    session.log().logLine("first");
     viewer.show();
     EXPECT_EQ(view->model()->rowCount(), 1);
 
-    session.log.logLine("second");
+    session.log().logLine("second");
     viewer.entriesAdded();
     view->syncNow();
     EXPECT_EQ(view->model()->rowCount(), 2);
@@ -105,7 +105,7 @@ TEST_F(LogCommands, ViewerShowsTheListAndOnlyHidesWhenClosed) {
     EXPECT_TRUE(viewer.isHidden());
     cmd_new_error_file(session);
     viewer.entriesCleared();
-    session.log.logLine("third");
+    session.log().logLine("third");
     viewer.show();
     EXPECT_EQ(view->model()->rowCount(), 1);
     EXPECT_EQ(view->model()->index(0, 0).data().toString(), "third");

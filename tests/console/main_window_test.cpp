@@ -119,18 +119,18 @@ TEST_F(MainWindowTest, ModeMenusRelabelAndKeepTheirTicks) {
 TEST_F(MainWindowTest, FieldsGoBothWays) {
     auto* suite = find<QLineEdit>("txt_suite_1");
     QTest::keyClicks(suite, "101");
-    EXPECT_EQ(session.fields.text(Field::txt_suite_1), "101");
+    EXPECT_EQ(session.fields().text(Field::txt_suite_1), "101");
 
-    session.fields.setText(Field::txt_ls_pilot, "12345");
+    session.fields().setText(Field::txt_ls_pilot, "12345");
     EXPECT_EQ(find<QLineEdit>("txt_ls_pilot")->text(), "12345");
-    session.fields.setText(Field::txt_suite_1, "10");
+    session.fields().setText(Field::txt_suite_1, "10");
     EXPECT_EQ(suite->text(), "10") << "the engine's cut shows";
 
     auto* name = find<QLineEdit>("Text1");
     QTest::keyClicks(name, QString(30, u'N'));
-    EXPECT_EQ(session.fields.text(Field::Text1), QString(25, u'N'));
+    EXPECT_EQ(session.fields().text(Field::Text1), QString(25, u'N'));
     QTest::keyClicks(find<QLineEdit>("txt_location"), "ABCDEFGHIJKL");
-    EXPECT_EQ(session.fields.text(Field::txt_location), "ABCDEFGHIJ");
+    EXPECT_EQ(session.fields().text(Field::txt_location), "ABCDEFGHIJ");
 }
 
 TEST_F(MainWindowTest, FieldsSetWithoutTypingReachTheSession) {
@@ -158,7 +158,7 @@ TEST_F(MainWindowTest, FieldsSetWithoutTypingReachTheSession) {
     for (const auto& [how, set] : ways) {
         tcp.written.clear();
         set(QString::number(room));
-        EXPECT_EQ(session.fields.text(Field::txt_suite_1), QString::number(room)) << how;
+        EXPECT_EQ(session.fields().text(Field::txt_suite_1), QString::number(room)) << how;
         find<QAbstractButton>("cmd_chk_in")->click();
         EXPECT_TRUE(tcp.written.contains("\x02"
                                          "CHK1   " +
@@ -351,18 +351,18 @@ TEST_F(MainWindowTest, AWheelOverAListWithoutTheFocusChoosesNothing) {
     for (const auto& [name, acted] : lists) {
         auto* list = find<QComboBox>(name);
         find<QLineEdit>("txt_suite_1")->setFocus();
-        const QString before = session.log.logText();
+        const QString before = session.log().logText();
         tcp.written.clear();
         turnWheel(list);
         EXPECT_FALSE(list->hasFocus()) << name;
         EXPECT_EQ(list->currentIndex(), -1) << name;
         EXPECT_TRUE(tcp.written.isEmpty()) << name;
-        EXPECT_EQ(session.log.logText(), before) << name;
+        EXPECT_EQ(session.log().logText(), before) << name;
 
         list->setFocus();
         turnWheel(list);
         EXPECT_EQ(list->currentIndex(), 0) << "with the focus the wheel chooses: " << name;
-        EXPECT_TRUE(session.log.logText().mid(before.size()).contains(acted)) << name;
+        EXPECT_TRUE(session.log().logText().mid(before.size()).contains(acted)) << name;
     }
 }
 
@@ -371,9 +371,9 @@ TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {
     find<QAbstractButton>("chk_NullDiscard")->click();
     find<QAbstractButton>("Continuous")->click();
     find<QAbstractButton>("chk_error")->click();
-    EXPECT_TRUE(session.link.settings().dtrEnabled);
-    EXPECT_FALSE(session.link.settings().rtsEnabled);
-    EXPECT_TRUE(session.link.settings().nullDiscard);
+    EXPECT_TRUE(session.link().settings().dtrEnabled);
+    EXPECT_FALSE(session.link().settings().rtsEnabled);
+    EXPECT_TRUE(session.link().settings().nullDiscard);
     EXPECT_TRUE(engine.Continuous);
     EXPECT_TRUE(session.errorMode());
 
@@ -400,7 +400,7 @@ TEST_F(MainWindowTest, ClosingDuringAWaitEndsTheWaitThenCloses) {
     QCoreApplication::processEvents();
     EXPECT_FALSE(window().isVisible());
     EXPECT_FALSE(pump.stopRequested());
-    EXPECT_TRUE(session.log.logText().endsWith("Disconnected...\r\n"));
+    EXPECT_TRUE(session.log().logText().endsWith("Disconnected...\r\n"));
     settings.sync();
     EXPECT_EQ(settings.value("Startup/PMSMode").toString(), "VMAIL");
     EXPECT_EQ(settings.value("Startup/Speed").toString(), "9600");

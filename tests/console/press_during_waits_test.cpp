@@ -59,7 +59,7 @@ const OuterWait outerWaits[] = {
          };
          rig.find<QAbstractButton>("cmd_connect")->click();
          rig.tcp.onWrite = nullptr;
-         rig.session.fields.setText(Field::txt_suite_1, QStringLiteral("101"));
+         rig.session.fields().setText(Field::txt_suite_1, QStringLiteral("101"));
          return [&rig] { rig.find<QAbstractButton>("cmd_chk_in")->click(); };
      },
      2'000},

@@ -114,7 +114,7 @@ TEST_F(ViewMenuTest, ShowsTheHandshakeOfConnectAndCheckInBesideAnUntouchedLog) {
                                "RX|<ACK>|frame ACKed in 10 ms",
                            }));
 
-    const QString log = session.log.logText();
+    const QString log = session.log().logText();
     EXPECT_FALSE(log.contains(QChar(2)) || log.contains(QChar(6))) << log;
     EXPECT_FALSE(log.contains("ACKed") || log.contains(":00.")) << log;
 
@@ -172,7 +172,7 @@ TEST_F(ViewMenuTest, ALostLinkIsMarkedWithItsTimeAndReason) {
     ASSERT_FALSE(lines.isEmpty());
     EXPECT_EQ(lines.last().mid(12), " -- TCP 127.0.0.1:15374 lost: closed by the PBX");
     EXPECT_EQ(lines.last().left(8), pump.currentDateTime().toString("HH:mm:ss"));
-    EXPECT_EQ(session.log.logText().count("closed by the PBX"), 0)
+    EXPECT_EQ(session.log().logText().count("closed by the PBX"), 0)
         << "the traffic log is as it was";
 }
 

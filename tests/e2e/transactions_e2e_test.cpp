@@ -22,8 +22,8 @@ protected:
     Session session{pump, op, tcp, serial};
 
     void connectTo(const PbxSimProcess& sim) {
-        session.link.settings().ipAddress = "127.0.0.1";
-        session.link.settings().telnetPort = QString::number(sim.port());
+        session.link().settings().ipAddress = "127.0.0.1";
+        session.link().settings().telnetPort = QString::number(sim.port());
         ASSERT_EQ(session.cmd_connect(5), Link::ConnectResult::Connected);
     }
 };
@@ -32,9 +32,9 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
     PbxSimProcess sim;
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     connectTo(sim);
-    session.fields.setText(Field::txt_suite_1, "101");
+    session.fields().setText(Field::txt_suite_1, "101");
     session.press(Control::cmd_chk_in);
-    session.fields.setText(Field::Text1, "Smith");
+    session.fields().setText(Field::Text1, "Smith");
     session.press(Control::cmd_name_1);
     session.press(Control::cmd_chk_out);
     const QStringList expected = {
@@ -55,16 +55,16 @@ TEST_F(TransactionsEndToEnd, HotelCheckInNameCheckOut) {
     };
     ASSERT_TRUE(sim.waitForTraceLines(expected.size()));
     EXPECT_EQ(sim.traceLines(), expected);
-    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_EQ(session.errors().errorCount(), 0);
 }
 
 TEST_F(TransactionsEndToEnd, VoiceMailCheckIn) {
     PbxSimProcess sim({"--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
-    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
-    session.link.setMode(session.link.pmsMode(), Protocol::His);
+    session.link().setMode(PmsMode::Vmail, session.link().protocolType());
+    session.link().setMode(session.link().pmsMode(), Protocol::His);
     connectTo(sim);
-    session.fields.setText(Field::txt_ls_pilot, "4001");
+    session.fields().setText(Field::txt_ls_pilot, "4001");
     session.press(Control::cmd_chk_in);
     ASSERT_TRUE(sim.waitForTraceLines(4));
     // Body "24001  ", then ETX and the check character 0x34 ("4").

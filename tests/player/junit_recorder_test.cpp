@@ -20,7 +20,7 @@ protected:
     }
     void SetUp() override {
         ScriptFixture::SetUp();
-        session.recorder.suspend();
+        session.recorder().suspend();
     }
 };
 

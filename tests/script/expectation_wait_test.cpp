@@ -14,8 +14,8 @@ class ExpectationWait : public ScriptFixture {
 protected:
     void SetUp() override {
         ScriptFixture::SetUp();
-        session.recorder.start(QString());
-        session.fields.setText(Field::txt_suite_1, "101");
+        session.recorder().start(QString());
+        session.fields().setText(Field::txt_suite_1, "101");
     }
     void pbxSends(const QByteArray& bytes, qint64 atMs, bool overTcp = true) {
         (overTcp ? tcp : serial).deliver(bytes, atMs);
@@ -32,13 +32,13 @@ TEST_F(ExpectationWait, PlainWaitReportsOtherMessagesThenSucceeds) {
                            "but recieved --> STS2   102", "Received--> STS2   101",
                            "Sending -->    ACK", "successfully received --> sts2"}));
     EXPECT_EQ(op.notices, QStringList{"successfully received --> sts2"});
-    EXPECT_EQ(session.recorder.scriptText(), "WAIT STS2   101 9\r\n");
+    EXPECT_EQ(session.recorder().scriptText(), "WAIT STS2   101 9\r\n");
     EXPECT_TRUE(
-        session.errors.errorReport().endsWith(": ERROR occurred while waiting for --> sts2\nbut "
-                                              "instead receieved --> \x02STS2   102\x03\n\n"));
-    EXPECT_EQ(session.errors.errorCount(), 0);
+        session.errors().errorReport().endsWith(": ERROR occurred while waiting for --> sts2\nbut "
+                                                "instead receieved --> \x02STS2   102\x03\n\n"));
+    EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_EQ(pump.elapsedMs(), 1500) << "ends as the expected message arrives";
-    EXPECT_FALSE(session.link.waitingForAck());
+    EXPECT_FALSE(session.link().waitingForAck());
 }
 
 TEST_F(ExpectationWait, TwoMessagesHandledInOneTurnBothReachTheWait) {
@@ -65,8 +65,8 @@ TEST_F(ExpectationWait, NoticeWaitPassesOverOtherMessagesInSilence) {
     EXPECT_EQ(lines(), QStringList({"send notify for --> sts2", "Received--> STS2   102",
                                     "Sending -->    ACK", "Received--> STS2   101",
                                     "Sending -->    ACK", "successfully received --> sts2"}));
-    EXPECT_TRUE(session.errors.errorReport().isEmpty());
-    EXPECT_EQ(session.recorder.scriptText(), "NTFY STS2   101 9\r\n");
+    EXPECT_TRUE(session.errors().errorReport().isEmpty());
+    EXPECT_EQ(session.recorder().scriptText(), "NTFY STS2   101 9\r\n");
 }
 
 TEST_F(ExpectationWait, Outcomes) {
@@ -97,9 +97,9 @@ TEST_F(ExpectationWait, Outcomes) {
     };
     for (auto& c : cases) {
         restart();
-        session.recorder.start(QString());
-        session.fields.setText(Field::txt_suite_1, "101");
-        session.link.settings().useTcp = c.overTcp;
+        session.recorder().start(QString());
+        session.fields().setText(Field::txt_suite_1, "101");
+        session.link().settings().useTcp = c.overTcp;
         serial.openPort("/dev/ttyS0");
         const qint64 start = pump.elapsedMs();
         if (!c.arrives.isEmpty())
@@ -116,16 +116,16 @@ TEST_F(ExpectationWait, Outcomes) {
         EXPECT_EQ(lines().contains("Time expired.  Did not receive--> " + c.item),
                   !c.succeeds && c.endsAtMs >= 0)
             << c.name;
-        EXPECT_EQ(session.recorder.scriptText(), c.recorded) << c.name;
-        EXPECT_FALSE(session.stopScript()) << c.name;
-        EXPECT_EQ(session.errors.errorCount(), 0) << c.name;
+        EXPECT_EQ(session.recorder().scriptText(), c.recorded) << c.name;
+        EXPECT_FALSE(engine.stopScript()) << c.name;
+        EXPECT_EQ(session.errors().errorCount(), 0) << c.name;
     }
 }
 
 TEST_F(ExpectationWait, NoticeWaitForAltRecordsWhatReplayPassesOver) {
     pbxSends(frame("ALT1   101"), 100);
     engine.NTFY("alt", "3");
-    EXPECT_EQ(session.recorder.scriptText(), "NTFY ATL   101 3\r\n");
+    EXPECT_EQ(session.recorder().scriptText(), "NTFY ATL   101 3\r\n");
 }
 
 TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
@@ -135,7 +135,7 @@ TEST_F(ExpectationWait, ListsTakeTheDigitFromTheTimeField) {
     } cases[] = {{"2", 2000}, {"0730", 5000}, {"", 5000}, {"x", 5000}};
     for (auto& c : cases) {
         restart();
-        session.fields.setText(Field::txt_time, c.time);
+        session.fields().setText(Field::txt_time, c.time);
         const qint64 start = pump.elapsedMs();
         engine.cmb_wait_Click(" sts4 ");
         EXPECT_NEAR(pump.elapsedMs() - start, c.ms, 20) << c.time.toStdString();
@@ -158,11 +158,11 @@ TEST_F(ExpectationWait, ListsScriptsAndTheCheckReadTheDigitAlike) {
         SCOPED_TRACE(c.text.toStdString());
         EXPECT_EQ(waitDigit(c.text), c.digit);
         restart();
-        session.fields.setText(Field::txt_suite_1, "101");
-        session.fields.setText(Field::txt_time, c.text);
+        session.fields().setText(Field::txt_suite_1, "101");
+        session.fields().setText(Field::txt_time, c.text);
         pbxSends(frame("STS4   101"), 100);
         engine.cmb_wait_Click("sts4");
-        EXPECT_EQ(session.recorder.scriptText(), "WAIT STS4   101 " + c.digit + "\r\n");
+        EXPECT_EQ(session.recorder().scriptText(), "WAIT STS4   101 " + c.digit + "\r\n");
         if (c.text.size() != 1 || c.text.at(0).unicode() > 0xFF)
             continue;
         const ScriptCheck check =
@@ -182,7 +182,7 @@ namespace {
 
 TEST_F(ExpectationWait, RecoveryRunsItsFixedDialogue) {
     // Its waits for "ack" never succeed, so the operator steps through them with CANCEL.
-    session.recorder.suspend();
+    session.recorder().suspend();
     pbx.options.firstEnqAnswers = {sim::Answer::Silent};
     std::function<void()> cancelEachSecond = [&] {
         engine.cmd_cancel();

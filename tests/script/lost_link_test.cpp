@@ -20,8 +20,8 @@ TEST_F(LostLink, EndsATransactionWhereItStands) {
     EXPECT_LT(pump.elapsedMs(), 3000) << "not five sends of five seconds each";
     EXPECT_EQ(lines(),
               QStringList({"Sending -->    ENQ", "Received--> ACK", "Sending     -->CHK1   101"}));
-    EXPECT_EQ(session.errors.errorCount(), 0);
-    EXPECT_TRUE(session.errors.errorReport().isEmpty());
+    EXPECT_EQ(session.errors().errorCount(), 0);
+    EXPECT_TRUE(session.errors().errorReport().isEmpty());
     ASSERT_EQ(ended.size(), 1);
     EXPECT_EQ(ended[0][0].value<SendResult>(), SendResult::Interrupted);
     EXPECT_FALSE(enabled("cmd_chk_in"));
@@ -48,11 +48,11 @@ TEST_F(LostLink, EndsTheConnectionTest) {
     // Connect is there again, and works once the PBX is back.
     pbx.options.onEnq = sim::Answer::Ack;
     EXPECT_EQ(session.cmd_connect(), Link::ConnectResult::Connected);
-    EXPECT_FALSE(session.link.lost());
+    EXPECT_FALSE(session.link().lost());
 }
 
 TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
-    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
+    session.link().setMode(PmsMode::Vmail, session.link().protocolType());
     pbx.setMode(sim::Mode::Vmail);
     pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 500);
@@ -60,7 +60,7 @@ TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {
     click({{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_out);
     EXPECT_LT(pump.elapsedMs(), 1000);
     EXPECT_FALSE(lines().contains("DID NOT RECEIVE ACK FROM PBX!"));
-    EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+    EXPECT_TRUE(session.recorder().scriptText().isEmpty());
     pump.clearStop();
 }
 

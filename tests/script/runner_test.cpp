@@ -21,9 +21,9 @@ TEST_F(Runner, OneLineFilePlaysNothingAndCompletes) {
 }
 
 TEST_F(Runner, HotelScriptForcesHyattAndPacesOneSecond) {
-    session.link.setMode(session.link.pmsMode(), Protocol::His);
+    session.link().setMode(session.link().pmsMode(), Protocol::His);
     EXPECT_EQ(play("\r\nCHK1   101\r\nCHK0   102\r\n;\r\n"), Outcome::Completed);
-    EXPECT_EQ(session.link.protocolType(), Protocol::Hyatt);
+    EXPECT_EQ(session.link().protocolType(), Protocol::Hyatt);
     EXPECT_EQ(frames(), QStringList({"CHK1   101", "CHK0   102"}));
     EXPECT_GE(pump.elapsedMs(), 2000);
 }
@@ -59,14 +59,14 @@ TEST_F(Runner, EveryHotelWordReplaysItsFrame) {
     expected.insert(expected.indexOf("NAM4 Smith                  101  205") + 1,
                     "NAM4 Smith                  205  205");
     EXPECT_EQ(frames(), expected);
-    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_EQ(op.notices, QStringList{"Script file completed"});
 }
 
 TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
     // Every hotel transaction but Transfer Name, whose replayed line fills the target room into
     // both room fields and so sends one frame more than was recorded.
-    session.recorder.start(QString());
+    session.recorder().start(QString());
     click({{Field::txt_suite_1, "101"}}, Control::cmd_chk_in);
     click({}, Control::cmd_chk_out);
     click({{Field::Text1, "Smith"}}, Control::cmd_name_1);
@@ -87,18 +87,18 @@ TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
     click({{Field::txt_suite_1, "302"}}, Control::cmd_ste5);
     const QStringList recordedFrames = frames();
     ASSERT_EQ(recordedFrames.size(), 18);
-    ASSERT_EQ(session.recorder.scriptText().count("\r\n"), 18);
+    ASSERT_EQ(session.recorder().scriptText().count("\r\n"), 18);
 
     tcp.written.clear();
-    session.recorder.suspend();
-    EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
+    session.recorder().suspend();
+    EXPECT_EQ(play((session.recorder().scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
     EXPECT_EQ(frames(), recordedFrames);
 }
 
 TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
-    session.link.setMode(PmsMode::Vmail, session.link.protocolType());
-    session.link.setMode(session.link.pmsMode(), Protocol::His);
-    session.recorder.start("VMAILHIS\r\n");
+    session.link().setMode(PmsMode::Vmail, session.link().protocolType());
+    session.link().setMode(session.link().pmsMode(), Protocol::His);
+    session.recorder().start("VMAILHIS\r\n");
     const QList<std::pair<FieldTexts, Action>> clicks = {
         {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_in},
         {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_out},
@@ -116,10 +116,10 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     ASSERT_EQ(sent.size(), 9);
 
     tcp.written.clear();
-    session.recorder.suspend();
-    session.link.setMode(PmsMode::Hotel, session.link.protocolType());
-    EXPECT_EQ(play((session.recorder.scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
-    EXPECT_EQ(session.link.pmsMode(), PmsMode::Vmail);
+    session.recorder().suspend();
+    session.link().setMode(PmsMode::Hotel, session.link().protocolType());
+    EXPECT_EQ(play((session.recorder().scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
+    EXPECT_EQ(session.link().pmsMode(), PmsMode::Vmail);
     EXPECT_EQ(tcp.written, sent);
     EXPECT_EQ(session.controls.state(Control::cmd_name_1).caption, "Query MW Status");
 }
@@ -130,8 +130,8 @@ TEST_F(Runner, UnknownWordStopsTheScript) {
     EXPECT_EQ(op.notices, QStringList{"Command: STOP"});
     EXPECT_EQ(lines().mid(lines().size() - 2),
               QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
-    EXPECT_EQ(session.errors.errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
-    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_EQ(session.errors().errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_TRUE(enabled("Xtest"));
 }
 
@@ -166,7 +166,7 @@ TEST_F(Runner, TheUnknownCommandIsToldOnOneLineInTheReadableNotation) {
 TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {
     pbx.options.onFrame = sim::Answer::Nak;
     EXPECT_EQ(play("CHK0   101\r\nMW 1   102\r\n;\r\n"), Outcome::Completed);
-    EXPECT_EQ(session.errors.errorCount(), 2);
+    EXPECT_EQ(session.errors().errorCount(), 2);
     EXPECT_EQ(op.notices,
               QStringList{"Script file ended!\r\n There were 2 Errors\r\nView Log for details"});
 }
@@ -194,7 +194,7 @@ TEST_F(Runner, CancelBetweenCommandsLeavesButtonsDisabledStopScriptRestoresThem)
         EXPECT_EQ(lines().last(), "Script cancelled...");
         EXPECT_EQ(enabled("Xtest"), c.buttonsBack);
         EXPECT_EQ(enabled("cmd_chk_in"), c.buttonsBack);
-        EXPECT_FALSE(session.stopScript());
+        EXPECT_FALSE(engine.stopScript());
     }
 }
 
@@ -218,7 +218,7 @@ TEST_F(Runner, ClosingTheConsoleInsideAWaitEndsTheScript) {
         });
         pump.schedule(2000, [&] {
             pump.requestStop();
-            session.requestScriptStop();
+            engine.cmd_cancel();
         });
         EXPECT_EQ(play("WAIT STS2   101 0\r\nCHK1   101\r\n;\r\n"), Outcome::Cancelled)
             << continuous;
@@ -242,7 +242,7 @@ TEST_F(Runner, UnreadableFileIsANoticeAndChangesNothing) {
     ASSERT_EQ(op.notices.size(), 1);
     EXPECT_TRUE(op.notices[0].startsWith("Cannot read script file")) << op.notices[0];
     EXPECT_TRUE(enabled("Xtest"));
-    EXPECT_TRUE(session.log.logText().isEmpty());
+    EXPECT_TRUE(session.log().logText().isEmpty());
 }
 
 TEST_F(Runner, RunScriptAsksForTheFile) {
@@ -255,9 +255,9 @@ TEST_F(Runner, RunScriptAsksForTheFile) {
 }
 
 TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
-    session.link.setMode(session.link.pmsMode(), Protocol::His);
-    const QByteArray checkIn = session.link.build_vmail_message("2", "4001", "").toLatin1();
-    const QByteArray checkOut = session.link.build_vmail_message("3", "4001", "").toLatin1();
+    session.link().setMode(session.link().pmsMode(), Protocol::His);
+    const QByteArray checkIn = session.link().build_vmail_message("2", "4001", "").toLatin1();
+    const QByteArray checkOut = session.link().build_vmail_message("3", "4001", "").toLatin1();
     QSignalSpy unrecognized(&engine, &ScriptEngine::unrecognizedCommand);
     // Line 3 lost its "~" and no line after it has one: there is no next command to find.
     EXPECT_EQ(play("VMAILHIS\r\n" + checkIn + "~\r\n" + checkOut + "\r\n;\r\n"),
@@ -267,7 +267,7 @@ TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
     EXPECT_EQ(op.notices[0], "Command: 34001  <ETX>" + QString(checkOut.back()));
     EXPECT_EQ(lines().mid(lines().size() - 2),
               QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
-    EXPECT_EQ(session.errors.errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(session.errors().errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
     ASSERT_EQ(unrecognized.size(), 1);
     EXPECT_EQ(unrecognized[0][0].toInt(), 3);
     EXPECT_TRUE(unrecognized[0][1].toString().contains("without \"~\""))

@@ -108,8 +108,8 @@ TEST_F(HotelTransactions, AcknowledgedFrameIsLoggedAndRecorded) {
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(t.body.toLatin1())}));
         EXPECT_EQ(lines(),
                   (grantedBid() + QStringList{t.message().logPrefix + t.body, "Received--> ACK"}));
-        EXPECT_EQ(session.recorder.scriptText(), t.body + "\r\n");
-        EXPECT_EQ(session.errors.errorCount(), 0);
+        EXPECT_EQ(session.recorder().scriptText(), t.body + "\r\n");
+        EXPECT_EQ(session.errors().errorCount(), 0);
     }
 }
 
@@ -139,10 +139,10 @@ TEST_F(HotelTransactions, FiveRefusedFramesFailOnce) {
         EXPECT_EQ(lines().mid(lines().size() - 4),
                   QStringList({m.logPrefix + t.body, "Received--> NAK", stamp() + m.failureSentence,
                                reported}));
-        EXPECT_EQ(session.errors.errorReport(),
+        EXPECT_EQ(session.errors().errorReport(),
                   stamp() + m.failureSentence + "\n" + reported + "\n\n");
-        EXPECT_EQ(session.errors.errorCount(), 1);
-        EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+        EXPECT_EQ(session.errors().errorCount(), 1);
+        EXPECT_TRUE(session.recorder().scriptText().isEmpty());
     }
 }
 
@@ -152,7 +152,7 @@ TEST_F(HotelTransactions, CheckInTakesTheLineBidsAckForTheFrames) {
     click({}, Control::cmd_chk_out);
     EXPECT_EQ(tcp.written.count(frame("CHK1   101")), 1);
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 5);
-    EXPECT_EQ(session.recorder.scriptText(), "CHK1   101\r\n");
+    EXPECT_EQ(session.recorder().scriptText(), "CHK1   101\r\n");
 }
 
 TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
@@ -171,8 +171,8 @@ TEST_F(HotelTransactions, RefusedLineBidEndsTheClick) {
         EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
         const QString enqLine = " PBX DID NOT ACKnowkledge ENQ message";
         EXPECT_EQ(lines().last(), (c.timedLog ? stamp() : QString()) + enqLine);
-        EXPECT_EQ(session.errors.errorReport(), stamp() + enqLine + "\n");
-        EXPECT_EQ(session.errors.errorCount(), c.counted);
+        EXPECT_EQ(session.errors().errorReport(), stamp() + enqLine + "\n");
+        EXPECT_EQ(session.errors().errorCount(), c.counted);
     }
 }
 
@@ -196,7 +196,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
         for (const QByteArray& body : c.bodies)
             expected += {ENQ, frame(body)};
         EXPECT_EQ(tcp.written, expected);
-        EXPECT_FALSE(session.log.logText().contains("no valid room number"));
+        EXPECT_FALSE(session.log().logText().contains("no valid room number"));
     }
 }
 
@@ -216,8 +216,8 @@ TEST_F(HotelTransactions, RetryCounterIsSharedByTheRoomsOfOneClick) {
     EXPECT_EQ(tcp.written.count(frame("CHK0   101")), 2);
     EXPECT_EQ(tcp.written.count(frame("CHK0   102")), 4) << "the first room left four attempts";
     EXPECT_EQ(tcp.written.count(frame("CHK0   105")), 0);
-    EXPECT_EQ(session.recorder.scriptText(), "CHK0   101\r\n");
-    EXPECT_EQ(session.errors.errorCount(), 1);
+    EXPECT_EQ(session.recorder().scriptText(), "CHK0   101\r\n");
+    EXPECT_EQ(session.errors().errorCount(), 1);
 }
 
 TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
@@ -226,8 +226,8 @@ TEST_F(HotelTransactions, TransferNameSendsEachRoomWithTheSecondField) {
                                               ENQ, frame("NAM4 Smith                  205  205")}));
     EXPECT_EQ(lines()[2], catalogued(Control::cmd_xfer_name).logPrefix +
                               "NAM4 Smith                  101  205");
-    EXPECT_EQ(session.recorder.scriptText(), "NAM4 Smith                  101  205\r\n"
-                                             "NAM4 Smith                  205  205\r\n");
+    EXPECT_EQ(session.recorder().scriptText(), "NAM4 Smith                  101  205\r\n"
+                                               "NAM4 Smith                  205  205\r\n");
 }
 
 TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
@@ -301,7 +301,7 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
 }
 
 TEST_F(HotelTransactions, NothingHappensDuringAWait) {
-    const Link::WaitGuard busy(session.link);
+    const Link::WaitGuard busy(session.link());
     chosenRestriction = "local call";
     type({{txt_suite_1, "101"},
           {txt_suite_2, "205"},
@@ -314,7 +314,7 @@ TEST_F(HotelTransactions, NothingHappensDuringAWait) {
         press(t.action);
     session.press(Control::cmd_xfer_name);
     EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(session.log.logText().isEmpty());
+    EXPECT_TRUE(session.log().logText().isEmpty());
 }
 
 } // namespace

@@ -42,7 +42,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         const QStringList log =
             grantedBid() + QStringList{suite.logPrefix + c.body, "Received--> ACK"};
         EXPECT_EQ(lines(), log);
-        EXPECT_EQ(session.recorder.scriptText(), c.body + "\r\n");
+        EXPECT_EQ(session.recorder().scriptText(), c.body + "\r\n");
     }
 }
 
@@ -76,9 +76,9 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
     const QStringList log = grantedBid() + QStringList(5, suite.logPrefix + body) +
                             QStringList{stamp() + sentence, body};
     EXPECT_EQ(lines(), log);
-    EXPECT_EQ(session.errors.errorReport(), stamp() + sentence + "\n" + body + "\n\n");
-    EXPECT_EQ(session.errors.errorCount(), 1);
-    EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+    EXPECT_EQ(session.errors().errorReport(), stamp() + sentence + "\n" + body + "\n\n");
+    EXPECT_EQ(session.errors().errorCount(), 1);
+    EXPECT_TRUE(session.recorder().scriptText().isEmpty());
 }
 
 TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
@@ -86,17 +86,17 @@ TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste5);
     const QString enqLine = stamp() + " PBX DID NOT ACKnowkledge ENQ message";
     EXPECT_EQ(lines().last(), enqLine);
-    EXPECT_EQ(session.errors.errorReport(), enqLine + "\n");
-    EXPECT_EQ(session.errors.errorCount(), 0);
+    EXPECT_EQ(session.errors().errorReport(), enqLine + "\n");
+    EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
 }
 
 TEST_F(LinkedSuites, NothingHappensDuringAWait) {
-    const Link::WaitGuard busy(session.link);
+    const Link::WaitGuard busy(session.link());
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste0);
     session.press(Control::cmd_ste5);
     EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(session.log.logText().isEmpty());
+    EXPECT_TRUE(session.log().logText().isEmpty());
 }
 
 TEST_F(LinkedSuites, ExplanationListsTheElevenCodes) {

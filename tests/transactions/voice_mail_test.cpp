@@ -15,8 +15,8 @@ class VoiceMail : public SessionFixture {
 protected:
     void SetUp() override {
         SessionFixture::SetUp();
-        session.link.setMode(PmsMode::Vmail, session.link.protocolType());
-        session.link.setMode(session.link.pmsMode(), Protocol::His);
+        session.link().setMode(PmsMode::Vmail, session.link().protocolType());
+        session.link().setMode(session.link().pmsMode(), Protocol::His);
         pbx.setMode(sim::Mode::Vmail);
     }
     static QString vmailFrame(const QString& body) {
@@ -57,7 +57,7 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         restart();
-        session.link.setMode(session.link.pmsMode(), *protocolNamed(c.protocol));
+        session.link().setMode(session.link().pmsMode(), *protocolNamed(c.protocol));
         const qint64 start = pump.elapsedMs();
         click(c.fields + FieldTexts{{txt_ls_pilot, "4001"}}, c.action);
         const QString sent = vmailFrame(c.body);
@@ -67,12 +67,13 @@ TEST_F(VoiceMail, EachButtonSendsItsOperation) {
         // receiver reports the ACK itself; all but the check-in report it again.
         const VmailMessage& m = catalogued(c.action);
         const QString logLine =
-            m.label + "4001" + (m.extra ? m.extraLabel + session.fields.text(*m.extra) : QString());
+            m.label + "4001" +
+            (m.extra ? m.extraLabel + session.fields().text(*m.extra) : QString());
         EXPECT_EQ(lines(), QStringList({logLine, "PBX ACKed"}) +
                                (checkIn ? QStringList() : QStringList{"PBX ACKed"}));
         EXPECT_EQ(pump.elapsedMs() - start, 2000);
         EXPECT_EQ(session.lastVmailMessage(), checkIn ? QString() : sent);
-        EXPECT_EQ(session.recorder.scriptText(), sent + "~\r\n");
+        EXPECT_EQ(session.recorder().scriptText(), sent + "~\r\n");
     }
 }
 
@@ -81,16 +82,16 @@ TEST_F(VoiceMail, UnacknowledgedFrameIsReportedAndStillRecorded) {
     click({{txt_ls_pilot, "4001"}}, Control::cmd_chk_out);
     EXPECT_EQ(lines(), QStringList({"CHECK OUT: 4001", "DID NOT RECEIVE ACK FROM PBX!"}));
     EXPECT_EQ(tcp.written.size(), 1) << "never retried";
-    EXPECT_EQ(session.recorder.scriptText(), vmailFrame("34001  ") + "~\r\n");
-    EXPECT_EQ(session.errors.errorCount(), 0);
-    EXPECT_TRUE(session.errors.errorReport().isEmpty());
+    EXPECT_EQ(session.recorder().scriptText(), vmailFrame("34001  ") + "~\r\n");
+    EXPECT_EQ(session.errors().errorCount(), 0);
+    EXPECT_TRUE(session.errors().errorReport().isEmpty());
 }
 
 TEST_F(VoiceMail, OverlongFieldsAreCutInTheirTextBoxes) {
-    QSignalSpy changes(&session.fields, &Fields::changed);
+    QSignalSpy changes(&session.fields(), &Fields::changed);
     click({{txt_ls_pilot, "4001234"}, {txt_suite_4, "123"}}, Control::cmd_department_3);
-    EXPECT_EQ(session.fields.text(txt_ls_pilot), "400123");
-    EXPECT_EQ(session.fields.text(txt_suite_4), "12");
+    EXPECT_EQ(session.fields().text(txt_ls_pilot), "400123");
+    EXPECT_EQ(session.fields().text(txt_suite_4), "12");
     EXPECT_EQ(changes.size(), 4) << "two typed, two cut";
     EXPECT_EQ(tcp.written, QList<QByteArray>{vmailFrame("8400123"
                                                         "12")
@@ -124,7 +125,7 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
         click(c.fields, c.action);
         EXPECT_EQ(op.notices, QStringList{notice});
         EXPECT_TRUE(tcp.written.isEmpty());
-        EXPECT_TRUE(session.recorder.scriptText().isEmpty());
+        EXPECT_TRUE(session.recorder().scriptText().isEmpty());
         ASSERT_EQ(refused.size(), 1);
         EXPECT_EQ(refused[0][0].toString(), notice);
     }
@@ -146,7 +147,7 @@ TEST_F(VoiceMail, EveryOperationOfAButtonIsTried) {
 }
 
 TEST_F(VoiceMail, OnlyTheCheckInRunsDuringAWait) {
-    const Link::WaitGuard busy(session.link);
+    const Link::WaitGuard busy(session.link());
     type({{txt_ls_pilot, "4001"},
           {txt_suite_1, "1"},
           {txt_suite_2, "2"},

@@ -30,7 +30,7 @@ Assembly::Assembly(EventPump& pump, OperatorInterface& op, Transport& tcp, Trans
         statistics.add(exchange);
         Q_EMIT statisticsChanged();
     });
-    connect(&session, &Session::expectationEnded, this,
+    connect(&session.events(), &SessionEvents::expectationEnded, this,
             [this](const QString& item, bool succeeded, qint64 ms) {
                 statistics.addWait(item, succeeded, ms);
                 Q_EMIT statisticsChanged();

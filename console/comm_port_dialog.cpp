@@ -71,16 +71,15 @@ void CommPortDialog::load() {
 }
 
 void CommPortDialog::ok() {
-    m_session.controls.setChecked(Control::mnuCommport, true);
-    m_session.controls.setChecked(Control::mnuTelnet, false);
-    LinkSettings& s = m_session.link().settings();
-    s.useTcp = false;
-    s.commPortNumber = m_port->currentText();
-    s.parity = m_parity->currentText();
-    s.speed = m_speed->currentText();
-    s.dataBits = m_dataBits->currentText();
-    s.stopBits = m_stopBits->currentText();
-    s.handShake = m_handShake->currentText();
+    m_session.changeLinkSettings([this](LinkSettings& s) {
+        s.useTcp = false;
+        s.commPortNumber = m_port->currentText();
+        s.parity = m_parity->currentText();
+        s.speed = m_speed->currentText();
+        s.dataBits = m_dataBits->currentText();
+        s.stopBits = m_stopBits->currentText();
+        s.handShake = m_handShake->currentText();
+    });
     accept();
 }
 

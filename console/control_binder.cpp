@@ -1,5 +1,7 @@
 #include "console/control_binder.h"
 
+#include "transactions/session.h"
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QGroupBox>
@@ -65,11 +67,13 @@ QString objectNameOf(const QString& controlName) {
     return name.replace(element, QStringLiteral("_\\1"));
 }
 
-ControlBinder::ControlBinder(const Controls& controls, QObject* parent)
-    : QObject(parent), m_controls(controls) {
-    connect(&controls, &Controls::changed, this, [this](Control control) {
-        if (m_objects.contains(control))
-            show(control, false);
+ControlBinder::ControlBinder(Session& session, QObject* parent)
+    : QObject(parent), m_states(controlStates(session.state())) {
+    connect(&session, &Session::stateChanged, this, [this](const ConsoleState& state) {
+        m_states = controlStates(state);
+        for (auto it = m_objects.cbegin(); it != m_objects.cend(); ++it)
+            show(it.key(), false);
+        Q_EMIT changed();
     });
 }
 
@@ -93,7 +97,7 @@ void ControlBinder::refresh(Control control) {
 
 void ControlBinder::show(Control control, bool everything) {
     QObject* o = m_objects.value(control);
-    const ControlState& s = m_controls.state(control);
+    const ControlState& s = state(control);
     ControlState& shown = m_shown[control];
     if ((everything || s.caption != shown.caption) && hasCaption(o))
         showCaption(o, s.caption);

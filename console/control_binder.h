@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transactions/controls.h"
+#include "transactions/control_rules.h"
 
 #include <QHash>
 #include <QObject>
@@ -11,14 +11,16 @@ namespace larkspur {
 // element of a control array written with an underscore ("label_wait(1)" -> "label_wait_1").
 QString objectNameOf(const QString& controlName);
 
-// Mirrors Controls onto the window: caption, enabling, visibility and tick of every control,
-// by name, whatever kind of widget, menu entry or menu shows it. Only what changed is set, so
-// a state the operator gave a widget (a ticked check box) is not overwritten by an unrelated
-// change of the same control.
+class Session;
+
+// Shows the session's state on the window: caption, enabling, visibility and tick of every
+// control, as the control rules make them of the state, by name, whatever kind of widget, menu
+// entry or menu shows it. Only what changed is set, so a state the operator gave a widget (a
+// ticked check box) is not overwritten by an unrelated change of the same control.
 class ControlBinder : public QObject {
     Q_OBJECT
 public:
-    ControlBinder(const Controls& controls, QObject* parent = nullptr);
+    ControlBinder(Session& session, QObject* parent = nullptr);
 
     // Names `object` after the control and shows its state from now on. A name that is no
     // control stops the program: it is a mistake in the window's code, never the operator's.
@@ -30,14 +32,20 @@ public:
 
     // Shows the state of a control in full again, e.g. after Qt ticked a menu entry by itself.
     void refresh(Control control);
+    // What the window shows of `control` now.
+    const ControlState& state(Control control) const { return m_states[size_t(control)]; }
 
     // The control named `name`.
     static Control control(const QString& name);
 
+Q_SIGNALS:
+    // Controls changed what they show.
+    void changed();
+
 private:
     void show(Control control, bool everything);
 
-    const Controls& m_controls;
+    std::vector<ControlState> m_states;
     QHash<Control, QObject*> m_objects;
     QHash<Control, ControlState> m_shown;
 };

@@ -39,8 +39,7 @@ QSize initialSize(const QWidget& window) {
 
 MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     : QMainWindow(parent), m_console(console), m_session(console.session), m_engine(console.engine),
-      m_settings(settings), m_controls(console.session.controls),
-      m_fields(console.session.fields()) {
+      m_settings(settings), m_controls(console.session), m_fields(console.session.fields()) {
     setObjectName(QStringLiteral("PMS_FORM"));
     setWindowTitle(QStringLiteral("Larkspur"));
 
@@ -57,7 +56,7 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     setCentralWidget(buildControlPanel());
     wireCommands();
 
-    connect(&m_session.controls, &Controls::changed, this, [this] {
+    connect(&m_controls, &ControlBinder::changed, this, [this] {
         hideEmptyGroups();
         m_status->refresh();
     });
@@ -149,7 +148,6 @@ void MainWindow::Form_Load() {
     if (!settingsProblem.isEmpty())
         m_status->setWarning(settingsProblem);
     m_session.applyModeAndLinkChoice();
-    m_session.disable_transaction_controls();
     m_status->refresh();
 }
 

@@ -85,7 +85,7 @@ private:
     // What each control starts (main_window_commands.cpp).
     void wireCommands();
     void onClick(const char* name, const std::function<void()>& operation);
-    void onCheck(const char* name, const std::function<void(bool)>& operation);
+    void onCheck(const char* name);
     void onChoose(const char* name, const std::function<void(const QString&)>& operation);
     void onMenu(const char* name, const std::function<void()>& operation);
     void connectLink();

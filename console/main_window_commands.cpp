@@ -42,13 +42,6 @@ const Command<ScriptEngine> scriptButtons[] = {
     {"cmd_recovery", &ScriptEngine::cmd_recovery},
 };
 
-const Command<Session> menuCommands[] = {
-    {"mnuHotel", &Session::mnuHotel_Click},
-    {"mnuVoiceMail", &Session::mnuVoiceMail_Click},
-    {"mnu_HIS", &Session::mnu_HIS_Click},
-    {"mnu_Hyatt", &Session::mnu_Hyatt_Click},
-};
-
 } // namespace
 
 void MainWindow::wireCommands() {
@@ -73,20 +66,17 @@ void MainWindow::wireCommands() {
     onClick("cmd_open_logfile", [this] { openLog(); });
     onClick("cmd_new_error_file", [this] { startNewLog(); });
 
-    onCheck("chk_error", [this](bool on) { m_session.chk_error_Click(on); });
-    onCheck("chk_linked_suite", [this](bool on) { m_session.chk_linked_suite_Click(on); });
-    onCheck("chk_manual", [this](bool on) { m_session.chk_manual_Click(on); });
-    onCheck("chk_DTREnabled", [this](bool on) { m_session.link().settings().dtrEnabled = on; });
-    onCheck("chk_RTSEnabled", [this](bool on) { m_session.link().settings().rtsEnabled = on; });
-    onCheck("chk_NullDiscard", [this](bool on) { m_session.link().settings().nullDiscard = on; });
-    onCheck("Continuous", [this](bool on) { m_engine.Continuous = on; });
+    for (const char* box : {"chk_error", "chk_linked_suite", "chk_manual", "chk_DTREnabled",
+                            "chk_RTSEnabled", "chk_NullDiscard", "Continuous"})
+        onCheck(box);
 
     onChoose("cmb_restrict", [this](const QString& item) { m_session.cmb_restrict_Click(item); });
     onChoose("cmb_wait", [this](const QString& item) { m_engine.cmb_wait_Click(item); });
     onChoose("cmb_notify", [this](const QString& item) { m_engine.cmb_notify_Click(item); });
 
-    for (const auto& [name, command] : menuCommands)
-        onMenu(name, [this, command = command] { (m_session.*command)(); });
+    for (const char* entry : {"mnuHotel", "mnuVoiceMail", "mnu_HIS", "mnu_Hyatt"})
+        onMenu(entry,
+               [this, entry] { m_session.choose(ControlBinder::control(QLatin1String(entry))); });
     onMenu("mnuCommport", [this] { showCommPortDialog(); });
     onMenu("mnuTelnet", [this] { showTelnetDialog(); });
     onMenu("mnuAbout", [this] { showAbout(); });
@@ -100,14 +90,11 @@ void MainWindow::onClick(const char* name, const std::function<void()>& operatio
             [this, operation] { m_runner.run(operation); });
 }
 
-void MainWindow::onCheck(const char* name, const std::function<void(bool)>& operation) {
+void MainWindow::onCheck(const char* name) {
     const Control control = ControlBinder::control(QLatin1String(name));
     connect(m_controls.get<QAbstractButton>(QLatin1String(name)), &QAbstractButton::clicked, this,
-            [this, control, operation](bool checked) {
-                m_runner.run([&] {
-                    operation(checked);
-                    m_session.controls.setChecked(control, checked);
-                });
+            [this, control](bool checked) {
+                m_runner.run([&] { m_session.choose(control, checked); });
                 // The box shows the session's state, whether or not the click was taken.
                 m_controls.refresh(control);
             });
@@ -147,15 +134,14 @@ void MainWindow::checkScript() {
         });
         // It runs as Run Script does, and only when Run Script could: the dialog stays open
         // while scripts start and end, so its button follows the window's.
-        connect(&m_session.controls, &Controls::changed, m_checkDialog, [this](Control control) {
-            if (control == Control::Xtest)
-                m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
-        });
+        connect(&m_controls, &ControlBinder::changed, m_checkDialog,
+                [this] { m_checkDialog->setRunEnabled(m_controls.state(Control::Xtest).enabled); });
     }
     // Checked as the window's Error Mode will send it.
     m_checkDialog->showCheck(
-        path, larkspur::checkScript(readScript(file.bytes), {.errorMode = m_session.errorMode()}));
-    m_checkDialog->setRunEnabled(m_session.controls.state(Control::Xtest).enabled);
+        path,
+        larkspur::checkScript(readScript(file.bytes), {.errorMode = m_session.state().errorMode}));
+    m_checkDialog->setRunEnabled(m_controls.state(Control::Xtest).enabled);
     m_checkDialog->show();
     m_checkDialog->raise();
     m_checkDialog->activateWindow();

@@ -48,12 +48,11 @@ void TelnetDialog::load() {
 }
 
 void TelnetDialog::ok() {
-    m_session.controls.setChecked(Control::mnuTelnet, true);
-    m_session.controls.setChecked(Control::mnuCommport, false);
-    LinkSettings& s = m_session.link().settings();
-    s.useTcp = true;
-    s.ipAddress = m_address->Address();
-    s.telnetPort = m_port->text();
+    m_session.changeLinkSettings([this](LinkSettings& s) {
+        s.useTcp = true;
+        s.ipAddress = m_address->Address();
+        s.telnetPort = m_port->text();
+    });
     accept();
 }
 

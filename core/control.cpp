@@ -145,4 +145,31 @@ const QList<Control>& allControls() {
     return controls;
 }
 
+const QList<Control>& transactionButtons() {
+    using C = Control;
+    static const QList<Control> controls = {
+        C::cmd_chk_in,    C::cmd_chk_out,           C::cmd_name_1,
+        C::Command6,      C::cmd_replace_name,      C::cmd_xfer_name,
+        C::cmd_dept,      C::cmd_department_2,      C::cmd_department_3,
+        C::cmd_loc,       C::cmd_location_2,        C::cmd_location_3,
+        C::cmd_wakeup,    C::cmd_message_waiting_0, C::cmd_msg_wait,
+        C::cmd_set_credit};
+    return controls;
+}
+
+const QList<Control>& linkedSuiteButtons() {
+    using C = Control;
+    static const QList<Control> controls = {C::cmd_ste0, C::cmd_ste1, C::cmd_ste2, C::cmd_ste3,
+                                            C::cmd_ste4, C::cmd_ste5, C::cmd_ste6, C::cmd_ste7,
+                                            C::cmd_ste8, C::cmd_steA, C::cmd_steB};
+    return controls;
+}
+
+const QList<Control>& manualLinkButtons() {
+    using C = Control;
+    static const QList<Control> controls = {C::cmd_enquiry_basic, C::cmd_grs, C::cmd_ayt,
+                                            C::cmd_nak,           C::cmd_ack, C::cmd_end};
+    return controls;
+}
+
 } // namespace larkspur

@@ -121,4 +121,9 @@ std::optional<Control> controlNamed(const QString& name);
 // Every control, in the window's order.
 const QList<Control>& allControls();
 
+// The sixteen hotel transaction buttons, the linked-suite buttons and the manual link buttons.
+const QList<Control>& transactionButtons();
+const QList<Control>& linkedSuiteButtons();
+const QList<Control>& manualLinkButtons();
+
 } // namespace larkspur

@@ -211,8 +211,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         pbx.setMode(sim::Mode::Vmail);
     pbx.options.onEnq = answerOf(play >> 1);
     pbx.options.onFrame = answerOf(play >> 3);
-    session.chk_error_Click(play & 32);
-    engine.Continuous = play & 1;
+    session.choose(Control::chk_error, play & 32);
+    session.choose(Control::Continuous, play & 1);
 
     active.onWrite = [&](const QByteArray& w) {
         if (!w.startsWith(char(ctl::STX)) || (pbxSends & 3) == 0)
@@ -252,7 +252,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             if (w.startsWith(char(ctl::STX)))
                 played.last().frames << w;
     });
-    QObject::connect(&session, &Session::fieldRefused, [&](const QString& text) {
+    QObject::connect(&session.events(), &SessionEvents::fieldRefused, [&](const QString& text) {
         FUZZ_CHECK(!played.isEmpty(), "fields are refused by commands only");
         played.last().refusals << text;
     });
@@ -284,8 +284,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             FUZZ_CHECK(isWrite(w, script.pmsMode == PmsMode::Vmail),
                        "only control bytes and whole frames reach the PBX");
     // The check walks the same reading: a run it did not cut short plays what the check says.
-    if (!engine.Continuous && !stopped) {
-        const ScriptCheck check = checkScript(script, {.errorMode = session.errorMode()});
+    if (!session.state().continuous && !stopped) {
+        const ScriptCheck check = checkScript(script, {.errorMode = session.state().errorMode});
         QList<CheckRow> rows = check.rows;
         rows.removeIf([](const CheckRow& row) { return !row.plays; });
         FUZZ_CHECK(rows.size() == commands, "the check lists every command the run plays");
@@ -298,7 +298,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     switch (outcome) {
     case ScriptEngine::RunOutcome::Completed:
-        FUZZ_CHECK(!engine.Continuous, "a Continuous script never completes");
+        FUZZ_CHECK(!session.state().continuous, "a Continuous script never completes");
         FUZZ_CHECK(op.lastNotice.startsWith(session.errors().errorCount() < 1
                                                 ? QStringLiteral("Script file completed")
                                                 : QStringLiteral("Script file ended!")),

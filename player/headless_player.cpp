@@ -71,9 +71,9 @@ void applyOptions(const PlayerOptions& o, Session& session, const ScriptText& sc
     s.dtrEnabled = o.dtr;
     s.rtsEnabled = o.rts;
     s.nullDiscard = o.nullDiscard;
-    session.link().setMode(o.mode.value_or(script.pmsMode), session.link().protocolType());
-    session.link().setMode(session.link().pmsMode(), o.protocol.value_or(script.protocolType));
-    session.chk_error_Click(o.errorMode);
+    session.useScriptMode(o.mode.value_or(script.pmsMode),
+                          o.protocol.value_or(script.protocolType));
+    session.choose(Control::chk_error, o.errorMode);
 }
 
 bool sameFile(const QString& a, const QString& b) {
@@ -187,7 +187,7 @@ int HeadlessRun::play(const ScriptText& script) {
             printNotice(settingsProblem);
     }
     applyOptions(m_options, m_session, script);
-    m_engine.Continuous = m_options.continuous;
+    m_session.choose(Control::Continuous, m_options.continuous);
     QObject::connect(&m_session.link(), &Link::linkLost,
                      [this](const QString& reason) { onLinkLost(reason); });
     // A signal acts as CANCEL after every command, so nothing more is played.

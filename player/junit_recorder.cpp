@@ -20,11 +20,12 @@ JunitRecorder::JunitRecorder(Session& session, ScriptEngine& engine) : m_session
     connect(&session.link(), &Link::linkLost, this,
             [this](const QString& reason) { fail(QStringLiteral("link lost: ") + reason); });
     // A transaction that sent nothing because it refused a field: what it logged says why.
-    connect(&session, &Session::pressRefused, this, &JunitRecorder::fail);
-    connect(&session, &Session::expectationStopped, this, [this](const QString& item) {
-        fail(QStringLiteral("the wait for %1 was stopped before it ended").arg(item));
-    });
-    connect(&session, &Session::transactionEnded, this,
+    connect(&session.events(), &SessionEvents::pressRefused, this, &JunitRecorder::fail);
+    connect(&session.events(), &SessionEvents::expectationStopped, this,
+            [this](const QString& item) {
+                fail(QStringLiteral("the wait for %1 was stopped before it ended").arg(item));
+            });
+    connect(&session.events(), &SessionEvents::transactionEnded, this,
             [this](SendResult result, const QString& message) {
                 switch (result) {
                 case SendResult::Acknowledged:

@@ -14,7 +14,7 @@ namespace larkspur {
 
 namespace {
 // Whether `lastControl`, the receiver's name for a message, is the one the wait expects.
-bool matches(const Session& session, const QString& item, const QString& lastControl) {
+bool matches(Session& session, const QString& item, const QString& lastControl) {
     if (lastControl == item)
         return true;
     const ExpectationItem* expected = findExpectationItem(item);
@@ -110,9 +110,9 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, co
                                      false);
     }
     if (end != End::Stopped)
-        Q_EMIT session.expectationEnded(item, end == End::Success, waitedMs);
+        Q_EMIT session.events().expectationEnded(item, end == End::Success, waitedMs);
     else
-        Q_EMIT session.expectationStopped(item);
+        Q_EMIT session.events().expectationStopped(item);
     stopScript = false;
 }
 

@@ -18,13 +18,6 @@ namespace {
 constexpr float commandPacingSeconds = 1.0f;
 } // namespace
 
-void ScriptEngine::restoreButtonsAfterRun() {
-    Controls& c = m_session.controls;
-    c.setEnabled({Control::cmd_start_script, Control::Xtest}, true);
-    c.setEnabled(transactionButtons(), true);
-    c.setEnabled({Control::cmd_end_script, Control::StopScript}, false);
-}
-
 ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
     Session& s = m_session;
     qsizetype position = firstCommandPosition(script);
@@ -55,7 +48,7 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
         case ScriptStep::Kind::PassedOver:
             break;
         case ScriptStep::Kind::End:
-            if (!Continuous) {
+            if (!s.state().continuous) {
                 if (s.errors().errorCount() < 1)
                     s.operatorInterface().notify(QStringLiteral("Script file completed"));
                 else
@@ -63,7 +56,7 @@ ScriptEngine::RunOutcome ScriptEngine::interpret(const ScriptText& script) {
                         QStringLiteral("Script file ended!") + carriage_return() +
                         QStringLiteral(" There were %1 Errors").arg(s.errors().errorCount()) +
                         carriage_return() + QStringLiteral("View Log for details"));
-                restoreButtonsAfterRun();
+                s.setScriptControls(ConsoleState::Script::Idle);
                 return RunOutcome::Completed;
             }
             position = 1;
@@ -109,7 +102,7 @@ ScriptEngine::RunOutcome ScriptEngine::stopOnUnrecognized(const QString& command
                                QStringLiteral("-> Script File Corrupt:\n\n\n"),
                            false);
     s.log().logLine(QStringLiteral("Script file error! Unrecognized command"));
-    restoreButtonsAfterRun();
+    s.setScriptControls(ConsoleState::Script::Idle);
     s.log().logLine(QStringLiteral("Script Cancelled!"));
     return RunOutcome::Unrecognized;
 }

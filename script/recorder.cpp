@@ -37,9 +37,7 @@ void ScriptEngine::cmd_start_script() {
     Session& s = m_session;
     if (s.link().waitingForAck() || !linkIsUp(s))
         return;
-    s.controls.setEnabled(Control::cmd_start_script, false);
-    s.controls.setEnabled(Control::cmd_end_script, true);
-    s.controls.setEnabled(Control::Xtest, false);
+    s.setScriptControls(ConsoleState::Script::Recording);
     if (s.recorder().recording()) {
         s.operatorInterface().notify(QStringLiteral("A script file is already in progress."));
     } else {
@@ -69,8 +67,7 @@ void ScriptEngine::cmd_end_script() {
     }
     const int lines = s.recorder().lines();
     s.recorder().finish();
-    s.controls.setEnabled({Control::Xtest, Control::cmd_start_script}, true);
-    s.controls.setEnabled(Control::cmd_end_script, false);
+    s.setScriptControls(ConsoleState::Script::Idle);
     Q_EMIT scriptSaved(path, lines);
 }
 

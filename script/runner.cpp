@@ -11,13 +11,6 @@
 
 namespace larkspur {
 
-namespace {
-
-// Buttons that stay usable while a script plays are the four the operator presses first.
-const QList<Control> pressedFirst = {Control::cmd_chk_in, Control::cmd_chk_out, Control::cmd_name_1,
-                                     Control::Command6};
-} // namespace
-
 QString scriptFileFilter() {
     return QStringLiteral("Script files (*.txt *.scr);;All files (*)");
 }
@@ -68,20 +61,8 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
         return RunOutcome::Busy;
 
     m_stopScript = false;
-    s.controls.setEnabled({Control::cmd_start_script, Control::cmd_end_script, Control::Xtest},
-                          false);
-    s.controls.setEnabled(Control::StopScript, true);
-    QList<Control> rest = transactionButtons();
-    for (Control control : pressedFirst)
-        rest.removeAll(control);
-    s.controls.setEnabled(rest, false);
-
-    s.link().setMode(script.pmsMode, script.protocolType);
-    if (script.pmsMode == PmsMode::Hotel)
-        s.set_hotel_labels();
-    else
-        s.set_vmail_labels();
-    s.controls.setEnabled(transactionButtons(), false);
+    s.setScriptControls(ConsoleState::Script::Running);
+    s.useScriptMode(script.pmsMode, script.protocolType);
 
     s.log().logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
     m_running = true;
@@ -92,11 +73,8 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 }
 
 void ScriptEngine::StopScript() {
-    Session& s = m_session;
     m_stopScript = true;
-    s.controls.setEnabled({Control::cmd_start_script, Control::Xtest}, true);
-    s.controls.setEnabled({Control::cmd_end_script, Control::StopScript}, false);
-    s.controls.setEnabled(transactionButtons(), true);
+    m_session.setScriptControls(ConsoleState::Script::Idle);
 }
 
 void ScriptEngine::cmd_cancel() {

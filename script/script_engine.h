@@ -29,9 +29,6 @@ public:
 
     explicit ScriptEngine(Session& session);
 
-    // The "Continuous" check box: the script starts over each time it ends.
-    bool Continuous = false;
-
     // Recording.
     void cmd_start_script();
     void cmd_end_script();
@@ -82,7 +79,6 @@ private:
     RunOutcome stopOnUnrecognized(const QString& command, int fileLine, const QString& why);
     // Fills the step's fields and presses its button or runs its wait.
     void play(const ScriptStep& step);
-    void restoreButtonsAfterRun();
     void startListedWait(const QString& item, bool plain);
 
     Session& m_session;

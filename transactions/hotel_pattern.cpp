@@ -75,9 +75,9 @@ void pressHotel(const QString& code, const PressInput& input, PressSteps& steps)
     pressRooms(hotelTransaction(code), input, steps);
 }
 
-PressInput sessionInput(const Session& session) {
+PressInput sessionInput(Session& session) {
     return {.text = [&session](Field field) { return session.fields().text(field); },
-            .errorMode = session.errorMode(),
+            .errorMode = session.state().errorMode,
             .protocol = session.link().protocolType()};
 }
 
@@ -87,7 +87,7 @@ void SessionPress::refuse(const FieldRefusal& refusal) {
     else
         m_session.log().logLine(refusal.text);
     m_said.append(refusal.text);
-    Q_EMIT m_session.fieldRefused(refusal.text);
+    Q_EMIT m_session.events().fieldRefused(refusal.text);
 }
 
 bool SessionPress::send(const PressMessage& message) {
@@ -95,9 +95,18 @@ bool SessionPress::send(const PressMessage& message) {
     return deliver(message);
 }
 
+bool SessionPress::report(SendResult result, const QString& message) {
+    Q_EMIT m_session.events().transactionEnded(result, message);
+    return result == SendResult::Acknowledged || result == SendResult::AcknowledgedByStaleAck;
+}
+
+void SessionPress::keepVmailMessage(const QString& frame) {
+    m_session.m_lastVmailMessage = frame;
+}
+
 void SessionPress::finish() {
     if (!m_sent && !m_said.isEmpty())
-        Q_EMIT m_session.pressRefused(m_said.join(QLatin1Char('\n')));
+        Q_EMIT m_session.events().pressRefused(m_said.join(QLatin1Char('\n')));
 }
 
 namespace {
@@ -110,9 +119,9 @@ public:
 
 protected:
     bool deliver(const PressMessage& message) override {
-        if (!m_session.reportSent(sendHotelMessage(m_session.link(), m_session.errors(), m_rule,
-                                                   message.body, m_attempt, message.reported),
-                                  message.body))
+        if (!report(sendHotelMessage(m_session.link(), m_session.errors(), m_rule, message.body,
+                                     m_attempt, message.reported),
+                    message.body))
             return false;
         m_session.recorder().record(message.body);
         return true;

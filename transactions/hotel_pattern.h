@@ -68,7 +68,7 @@ QString sentForm(const PressInput& input, Field field, QString (*check)(const QS
 void pressRooms(const HotelTransaction& transaction, const PressInput& input, PressSteps& steps);
 
 // The session's reading of its own fields for a press.
-PressInput sessionInput(const Session& session);
+PressInput sessionInput(Session& session);
 
 // Sends the transaction to every usable room field in order, one ENQ exchange and one frame
 // each, all frames of the click sharing one retry counter. The first failure ends the click;

@@ -52,9 +52,9 @@ public:
 protected:
     bool deliver(const PressMessage& message) override {
         int attempt = 1;
-        if (!m_session.reportSent(sendHotelMessage(m_session.link(), m_session.errors(), suiteRule,
-                                                   message.body, attempt, message.body),
-                                  message.body))
+        if (!report(sendHotelMessage(m_session.link(), m_session.errors(), suiteRule, message.body,
+                                     attempt, message.body),
+                    message.body))
             return false;
         m_session.recorder().record(message.body);
         return true;

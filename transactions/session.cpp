@@ -5,23 +5,122 @@ namespace larkspur {
 Session::Session(EventPump& eventPump, OperatorInterface& op, Transport& tcp, Transport& serial)
     : m_pump(eventPump), m_operator(op), m_link(eventPump, m_log, op, tcp, serial) {
     connect(&m_link, &Link::recordingStopped, this, [this] { m_recorder.suspend(); });
+    // A passed connection test makes the transactions live and ends a recording.
     connect(&m_link, &Link::connected, this, [this] {
-        controls.setEnabled(Control::cmd_connect, false);
-        controls.setEnabled(Control::cmd_disconnect, true);
-        enable_transaction_controls();
+        m_state.link = ConsoleState::Link::Up;
+        m_state.script = ConsoleState::Script::Idle;
+        changed();
     });
-    connect(&m_link, &Link::disconnected, this, [this] { disable_transaction_controls(); });
     // A lost link is a disconnect the operator did not ask for: Connect is there to try again.
-    connect(&m_link, &Link::linkLost, this, [this] {
-        disable_transaction_controls();
-        controls.setEnabled(Control::cmd_connect, true);
-        controls.setEnabled(Control::cmd_disconnect, false);
-    });
+    const auto down = [this] {
+        m_state.link = ConsoleState::Link::Down;
+        changed();
+    };
+    connect(&m_link, &Link::disconnected, this, down);
+    connect(&m_link, &Link::linkLost, this, down);
+    m_announced = state();
 }
 
-bool Session::reportSent(SendResult result, const QString& message) {
-    Q_EMIT transactionEnded(result, message);
-    return result == SendResult::Acknowledged || result == SendResult::AcknowledgedByStaleAck;
+ConsoleState Session::state() const {
+    ConsoleState s = m_state;
+    s.pmsMode = m_link.pmsMode();
+    s.protocolType = m_link.protocolType();
+    const LinkSettings& settings = m_link.settings();
+    s.useTcp = settings.useTcp;
+    s.dtrEnabled = settings.dtrEnabled;
+    s.rtsEnabled = settings.rtsEnabled;
+    s.nullDiscard = settings.nullDiscard;
+    return s;
+}
+
+void Session::changed() {
+    const ConsoleState now = state();
+    if (now == m_announced)
+        return;
+    m_announced = now;
+    Q_EMIT stateChanged(now);
+}
+
+void Session::choose(Control control, bool checked) {
+    switch (control) {
+    case Control::mnuHotel:
+        // HOTEL mode always forces the HYATT protocol and greys out HIS.
+        m_link.setMode(PmsMode::Hotel, Protocol::Hyatt);
+        m_state.menuMode = PmsMode::Hotel;
+        m_state.menuProtocol = Protocol::Hyatt;
+        m_state.hisChoosable = false;
+        break;
+    case Control::mnuVoiceMail:
+        // The protocol stays as it is.
+        m_link.setMode(PmsMode::Vmail, m_link.protocolType());
+        m_state.menuMode = PmsMode::Vmail;
+        m_state.hisChoosable = true;
+        break;
+    case Control::mnu_HIS:
+    case Control::mnu_Hyatt: {
+        const Protocol protocol = control == Control::mnu_HIS ? Protocol::His : Protocol::Hyatt;
+        m_link.setMode(m_link.pmsMode(), protocol);
+        m_state.menuProtocol = protocol;
+        break;
+    }
+    case Control::chk_error:
+        m_state.errorMode = checked;
+        break;
+    case Control::chk_linked_suite:
+        m_state.linkedSuites = checked;
+        break;
+    case Control::chk_manual:
+        m_state.manualMode = checked;
+        break;
+    case Control::chk_DTREnabled:
+        m_link.settings().dtrEnabled = checked;
+        break;
+    case Control::chk_RTSEnabled:
+        m_link.settings().rtsEnabled = checked;
+        break;
+    case Control::chk_NullDiscard:
+        m_link.settings().nullDiscard = checked;
+        break;
+    case Control::Continuous:
+        m_state.continuous = checked;
+        break;
+    default:
+        return;
+    }
+    changed();
+}
+
+void Session::applyModeAndLinkChoice() {
+    m_state.menuMode = m_link.pmsMode();
+    m_state.menuProtocol = m_link.protocolType();
+    changed();
+}
+
+void Session::useScriptMode(PmsMode pmsMode, Protocol protocolType) {
+    m_link.setMode(pmsMode, protocolType);
+    changed();
+}
+
+void Session::setScriptControls(ConsoleState::Script script) {
+    m_state.script = script;
+    changed();
+}
+
+void Session::changeLinkSettings(const std::function<void(LinkSettings&)>& change) {
+    change(m_link.settings());
+    changed();
+}
+
+Link::ConnectResult Session::cmd_connect(double connectLimitSeconds) {
+    return m_link.cmd_connect(connectLimitSeconds);
+}
+
+void Session::cmd_disconnect() {
+    m_link.cmd_disconnect();
+}
+
+void Session::cmd_clear() {
+    m_log.clearDisplay();
 }
 
 } // namespace larkspur

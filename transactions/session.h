@@ -1,9 +1,10 @@
 #pragma once
 
+#include "core/control.h"
 #include "link/link.h"
 #include "records/error_records.h"
 #include "records/traffic_log.h"
-#include "transactions/controls.h"
+#include "transactions/console_state.h"
 #include "transactions/fields.h"
 #include "transactions/recording.h"
 #include "transactions/send_sequences.h"
@@ -11,73 +12,18 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 namespace larkspur {
 
 class EventPump;
 class OperatorInterface;
+class SessionPress;
 class Transport;
 
-// The one home of the console's state: the link and its flags, the traffic log, the input
-// fields, the error mode, the script being recorded. The window only shows and drives it; the
-// script runner and the headless player drive it the same way. Each operation is named after
-// the control that starts it.
-class Session : public QObject {
+// What a session tells as it goes, for the run statistics, the JUnit report and the window.
+class SessionEvents : public QObject {
     Q_OBJECT
-public:
-    Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial);
-
-    EventPump& pump() { return m_pump; }
-    OperatorInterface& operatorInterface() { return m_operator; }
-    TrafficLog& log() { return m_log; }
-    Link& link() { return m_link; }
-    const Link& link() const { return m_link; }
-    Fields& fields() { return m_fields; }
-    const Fields& fields() const { return m_fields; }
-    ErrorRecords& errors() { return m_errors; }
-    // The script being recorded.
-    Recording& recorder() { return m_recorder; }
-    Controls controls;
-
-    // "Error Mode": fields go out as typed, untrimmed and unchecked.
-    bool errorMode() const { return m_errorMode; }
-
-    // The last voice-mail frame sent (all operations but the mailbox check-in).
-    const QString& lastVmailMessage() const { return m_lastVmailMessage; }
-    void keepVmailMessage(const QString& frame) { m_lastVmailMessage = frame; }
-
-    // Presses a transaction button (cmd_chk_in ... cmd_location_3, cmd_ste0 ... cmd_steB), as the
-    // operator or the script runner does; any other control does nothing here.
-    void press(Control button);
-    // The restriction list: the level the chosen text names is sent.
-    void cmb_restrict_Click(const QString& item);
-    void send_station_restriction(const QString& level);
-    // Sends the linked-suite message of `word`, "STE0" .. "STEB".
-    void send_linked_suite(const QString& word);
-    void cmd_ste_explain();
-
-    // Tells how one message of a transaction ended; true when the PBX took it.
-    bool reportSent(SendResult result, const QString& message);
-
-    // The window's modes, menus and enabling rules.
-    void set_hotel_labels();
-    void set_vmail_labels();
-    void disable_transaction_controls();
-    void enable_transaction_controls();
-    void mnuHotel_Click();
-    void mnuVoiceMail_Click();
-    void mnu_HIS_Click();
-    void mnu_Hyatt_Click();
-    void chk_error_Click(bool checked);
-    void chk_linked_suite_Click(bool checked);
-    void chk_manual_Click(bool checked);
-    void cmd_clear();
-    // Ticks the menus for the stored mode, protocol and transport and relabels for the mode.
-    void applyModeAndLinkChoice();
-
-    // Connect and Disconnect buttons: the link's own, plus the buttons they switch.
-    Link::ConnectResult cmd_connect(double connectLimitSeconds = 0);
-    void cmd_disconnect();
-
 Q_SIGNALS:
     // An expected-message wait ended by success or time-out after `ms`.
     void expectationEnded(const QString& item, bool succeeded, qint64 ms);
@@ -92,8 +38,69 @@ Q_SIGNALS:
     // A transaction sent nothing because it refused its fields; `text` is everything it logged or
     // told, a line each.
     void pressRefused(const QString& text);
+};
+
+// The console: its state and its transactions. It holds the link, the traffic log, the input
+// fields, the error records and the script being recorded, and one state value that the window
+// follows. The window only shows and drives it; the script runner and the headless player drive
+// it the same way. Operations are named after the controls that start them.
+class Session : public QObject {
+    Q_OBJECT
+public:
+    Session(EventPump& pump, OperatorInterface& op, Transport& tcp, Transport& serial);
+
+    EventPump& pump() { return m_pump; }
+    OperatorInterface& operatorInterface() { return m_operator; }
+    TrafficLog& log() { return m_log; }
+    Link& link() { return m_link; }
+    const Link& link() const { return m_link; }
+    Fields& fields() { return m_fields; }
+    ErrorRecords& errors() { return m_errors; }
+    // The script being recorded.
+    Recording& recorder() { return m_recorder; }
+    SessionEvents& events() { return m_events; }
+
+    ConsoleState state() const;
+
+    // Presses a transaction button (cmd_chk_in ... cmd_location_3, cmd_ste0 ... cmd_steB), as the
+    // operator or the script runner does; any other control does nothing here.
+    void press(Control button);
+    // The restriction list: the level the chosen text names is sent.
+    void cmb_restrict_Click(const QString& item);
+    void send_station_restriction(const QString& level);
+    // Sends the linked-suite message of `word`, "STE0" .. "STEB".
+    void send_linked_suite(const QString& word);
+    void cmd_ste_explain();
+
+    // A menu entry or check box: mnuHotel, mnuVoiceMail, mnu_HIS, mnu_Hyatt; chk_error,
+    // chk_linked_suite, chk_manual, chk_DTREnabled, chk_RTSEnabled, chk_NullDiscard,
+    // Continuous with the box's new tick.
+    void choose(Control control, bool checked = true);
+    // Start-up: the menus tick the mode, protocol and transport the stored settings name.
+    void applyModeAndLinkChoice();
+    // A script sets the mode and the protocol it plays in; the captions follow, the menus not.
+    void useScriptMode(PmsMode pmsMode, Protocol protocolType);
+    void setScriptControls(ConsoleState::Script script);
+    // The connection dialogs' OK: `change` edits the link settings.
+    void changeLinkSettings(const std::function<void(LinkSettings&)>& change);
+
+    // Connect and Disconnect buttons: the link's own, and the controls they switch.
+    Link::ConnectResult cmd_connect(double connectLimitSeconds = 0);
+    void cmd_disconnect();
+    void cmd_clear();
+
+    // `lastVmailMessage`: the last voice-mail frame sent (all operations but the mailbox
+    // check-in).
+    const QString& lastVmailMessage() const { return m_lastVmailMessage; }
+
+Q_SIGNALS:
+    void stateChanged(const larkspur::ConsoleState& state);
 
 private:
+    friend class SessionPress;
+    // Announces the state when it changed.
+    void changed();
+
     EventPump& m_pump;
     OperatorInterface& m_operator;
     TrafficLog m_log;
@@ -101,7 +108,10 @@ private:
     Fields m_fields;
     ErrorRecords m_errors;
     Recording m_recorder;
-    bool m_errorMode = false;
+    SessionEvents m_events;
+    // The state but for what the link holds (mode, protocol, transport, line signals).
+    ConsoleState m_state;
+    ConsoleState m_announced;
     QString m_lastVmailMessage;
 };
 

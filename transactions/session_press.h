@@ -1,6 +1,7 @@
 #pragma once
 
 #include "transactions/press_steps.h"
+#include "transactions/send_sequences.h"
 
 #include <QStringList>
 
@@ -22,6 +23,10 @@ public:
 
 protected:
     virtual bool deliver(const PressMessage& message) = 0;
+    // Tells how one message of the press ended; true when the PBX took it.
+    bool report(SendResult result, const QString& message);
+    // `lastVmailMessage`.
+    void keepVmailMessage(const QString& frame);
     Session& m_session;
 
 private:

@@ -33,10 +33,10 @@ public:
 protected:
     bool deliver(const PressMessage& message) override {
         if (!m_mailboxCheckIn)
-            m_session.keepVmailMessage(message.body);
+            keepVmailMessage(message.body);
         const SendResult result =
             sendVmailFrame(m_session.link(), message.body, message.reported, !m_mailboxCheckIn);
-        m_session.reportSent(result, message.reported);
+        report(result, message.reported);
         if (result == SendResult::Interrupted)
             return false;
         m_session.recorder().record(vmailScriptLine(message.body));

@@ -2,6 +2,7 @@
 
 #include "common/session_fixture.h"
 #include "script/script_engine.h"
+#include "transactions/control_rules.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -18,7 +19,7 @@ protected:
     void SetUp() override {
         SessionFixture::SetUp();
         session.recorder().suspend();
-        session.enable_transaction_controls();
+        Q_EMIT session.link().connected(); // the controls come alive as after a connect
     }
 
     QString write(const QByteArray& content) {
@@ -40,7 +41,7 @@ protected:
         return out;
     }
     bool enabled(const char* name) const {
-        return session.controls.state(*controlNamed(name)).enabled;
+        return controlStates(session.state())[size_t(*controlNamed(name))].enabled;
     }
 };
 

@@ -34,7 +34,6 @@ protected:
         session.log() = TrafficLog();
         session.errors().clearReport();
         session.errors().resetErrors();
-        session.keepVmailMessage(QString());
         op.notices.clear();
     }
 

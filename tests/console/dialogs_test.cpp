@@ -8,6 +8,7 @@
 #include "core/virtual_event_pump.h"
 #include "doubles/fake_transport.h"
 #include "script/script_engine.h"
+#include "transactions/control_rules.h"
 #include "transactions/session.h"
 
 #include <QApplication>
@@ -31,7 +32,9 @@ class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
     LinkSettings& settings = session.link().settings();
 
-    bool ticked(const char* menu) { return session.controls.state(*controlNamed(menu)).checked; }
+    bool ticked(const char* menu) {
+        return controlStates(session.state())[size_t(*controlNamed(menu))].checked;
+    }
     template <typename T> T* in(QWidget& dialog, const char* name) {
         T* w = dialog.findChild<T*>(QLatin1String(name));
         EXPECT_TRUE(w) << name;

@@ -1,5 +1,6 @@
 #include "console/console_fixture.h"
 #include "console/control_binder.h"
+#include "transactions/control_rules.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -48,7 +49,8 @@ TEST_F(MainWindowTest, EveryControlIsThereUnderItsNameWithItsCaption) {
         const QString name = controlName(control);
         QObject* o = window().findChild<QObject*>(objectNameOf(name));
         ASSERT_TRUE(o) << name.toStdString();
-        EXPECT_EQ(captionOf(o), session.controls.state(control).caption) << name.toStdString();
+        EXPECT_EQ(captionOf(o), controlStates(session.state())[size_t(control)].caption)
+            << name.toStdString();
     }
     EXPECT_EQ(window().objectName(), "PMS_FORM");
     EXPECT_TRUE(find<QLabel>("label_wait_1"));
@@ -374,8 +376,8 @@ TEST_F(MainWindowTest, CheckBoxesSetTheirOptions) {
     EXPECT_TRUE(session.link().settings().dtrEnabled);
     EXPECT_FALSE(session.link().settings().rtsEnabled);
     EXPECT_TRUE(session.link().settings().nullDiscard);
-    EXPECT_TRUE(engine.Continuous);
-    EXPECT_TRUE(session.errorMode());
+    EXPECT_TRUE(session.state().continuous);
+    EXPECT_TRUE(session.state().errorMode);
 
     // Hidden and shown again by the modes, the boxes keep what the operator ticked.
     find<QAction>("mnuVoiceMail")->trigger();

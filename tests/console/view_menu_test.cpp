@@ -247,7 +247,7 @@ TEST_F(ViewMenuTest, StatisticsCountEachExchangeLiveUntilReset) {
         tcp.deliver(QByteArray(1, bytes.startsWith('\x02') ? 21 : 6), 30);
     };
     checkIn();
-    Q_EMIT session.expectationEnded("sts2", true, 40);
+    Q_EMIT session.events().expectationEnded("sts2", true, 40);
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return statisticsOf(table, "check-in").value(0) == "6"; }, 5000))
         << "a NAKed frame goes out five times";

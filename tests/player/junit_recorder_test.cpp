@@ -54,7 +54,7 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
         restart();
         cases.clear();
         pbx.options.onFrame = c.onFrame;
-        session.chk_error_Click(QString(c.name).startsWith("error mode"));
+        session.choose(Control::chk_error, QString(c.name).startsWith("error mode"));
         play(c.script);
         ASSERT_EQ(cases.size(), 1);
         const JunitReport::Case& r = cases.first();

@@ -15,7 +15,7 @@ class LostLink : public ScriptFixture {};
 TEST_F(LostLink, EndsATransactionWhereItStands) {
     pbx.options.onFrame = sim::Answer::Silent;
     tcp.loseLink("closed by the PBX", 2500);
-    QSignalSpy ended(&session, &Session::transactionEnded);
+    QSignalSpy ended(&session.events(), &SessionEvents::transactionEnded);
     click({{Field::txt_suite_1, "101"}, {Field::txt_suite_2, "102"}}, Control::cmd_chk_in);
     EXPECT_LT(pump.elapsedMs(), 3000) << "not five sends of five seconds each";
     EXPECT_EQ(lines(),

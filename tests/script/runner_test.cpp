@@ -121,7 +121,8 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     EXPECT_EQ(play((session.recorder().scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
     EXPECT_EQ(session.link().pmsMode(), PmsMode::Vmail);
     EXPECT_EQ(tcp.written, sent);
-    EXPECT_EQ(session.controls.state(Control::cmd_name_1).caption, "Query MW Status");
+    EXPECT_EQ(controlStates(session.state())[size_t(Control::cmd_name_1)].caption,
+              "Query MW Status");
 }
 
 TEST_F(Runner, UnknownWordStopsTheScript) {
@@ -172,7 +173,7 @@ TEST_F(Runner, FailedTransactionsAreCountedAtTheEnd) {
 }
 
 TEST_F(Runner, ContinuousReplaysUntilStopped) {
-    engine.Continuous = true;
+    session.choose(Control::Continuous, true);
     pump.schedule(10'500, [&] { engine.cmd_cancel(); });
     EXPECT_EQ(play("CHK1   101\r\n;\r\n"), Outcome::Cancelled);
     EXPECT_GE(frames().size(), 4);
@@ -187,7 +188,7 @@ TEST_F(Runner, CancelBetweenCommandsLeavesButtonsDisabledStopScriptRestoresThem)
     } cases[] = {{&ScriptEngine::cmd_cancel, false}, {&ScriptEngine::StopScript, true}};
     for (auto& c : cases) {
         restart();
-        session.enable_transaction_controls();
+        Q_EMIT session.link().connected();
         pump.schedule(500, [&] { (engine.*c.stop)(); });
         EXPECT_EQ(play("CHK1   101\r\nCHK1   102\r\n;\r\n"), Outcome::Cancelled);
         EXPECT_EQ(frames(), QStringList{"CHK1   101"}) << "the running command finishes";
@@ -210,11 +211,12 @@ TEST_F(Runner, ClosingTheConsoleInsideAWaitEndsTheScript) {
     // Closing presses CANCEL once and asks every wait to end; the wait clears CANCEL.
     for (const bool continuous : {false, true}) {
         restart();
-        engine.Continuous = continuous;
+        session.choose(Control::Continuous, continuous);
         int commands = 0;
         const auto guard = QObject::connect(&engine, &ScriptEngine::commandStarted, [&] {
             if (++commands > 20)
-                engine.Continuous = false; // so a script that does not stop still returns
+                session.choose(Control::Continuous,
+                               false); // so a script that does not stop still returns
         });
         pump.schedule(2000, [&] {
             pump.requestStop();

@@ -540,7 +540,7 @@ TEST_F(Check, TheRunRefusesAndSendsWhatTheCheckForesees) {
         for (const bool errorMode : {false, true}) {
             SCOPED_TRACE(errorMode ? "error mode" : "checked fields");
             restart();
-            session.chk_error_Click(errorMode);
+            session.choose(Control::chk_error, errorMode);
             struct Played {
                 QList<QByteArray> frames;
                 QStringList refusals;
@@ -559,7 +559,7 @@ TEST_F(Check, TheRunRefusesAndSendsWhatTheCheckForesees) {
                             played.last().frames << w;
                 });
             const auto refusalConnection =
-                QObject::connect(&session, &Session::fieldRefused,
+                QObject::connect(&session.events(), &SessionEvents::fieldRefused,
                                  [&](const QString& text) { played.last().refusals << text; });
             play(script);
             QObject::disconnect(startConnection);

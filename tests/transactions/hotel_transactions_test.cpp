@@ -188,7 +188,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
     };
     for (const Case& c : cases) {
         restart();
-        session.chk_error_Click(c.errorMode);
+        session.choose(Control::chk_error, c.errorMode);
         for (int i = 0; i < 5; ++i)
             type({{roomFields[i], c.rooms[i]}});
         session.press(Control::cmd_chk_in);
@@ -201,7 +201,7 @@ TEST_F(HotelTransactions, RoomsSentAsCheckedOrTyped) {
 }
 
 TEST_F(HotelTransactions, ErrorModeSendsEveryFieldAsTyped) {
-    session.chk_error_Click(true);
+    session.choose(Control::chk_error, true);
     click({{txt_suite_1, "101"}, {Text1, " Smith"}, {txt_time, "99"}}, Control::cmd_name_1);
     click({}, Control::cmd_wakeup);
     EXPECT_EQ(tcp.written,
@@ -265,8 +265,8 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
     for (const Case& c : cases) {
         restart();
         chosenRestriction = "option 3";
-        QSignalSpy refusedFields(&session, &Session::fieldRefused);
-        QSignalSpy refusedPress(&session, &Session::pressRefused);
+        QSignalSpy refusedFields(&session.events(), &SessionEvents::fieldRefused);
+        QSignalSpy refusedPress(&session.events(), &SessionEvents::pressRefused);
         click(c.fields, c.action);
         EXPECT_EQ(lines(), c.log);
         EXPECT_TRUE(tcp.written.isEmpty());
@@ -278,7 +278,7 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
 }
 
 TEST_F(HotelTransactions, APressThatSendsIsNoRefusal) {
-    QSignalSpy refusedPress(&session, &Session::pressRefused);
+    QSignalSpy refusedPress(&session.events(), &SessionEvents::pressRefused);
     // The first room is too long and skipped without a word; the second goes out.
     click({{txt_suite_1, "123456"}, {txt_suite_3, "103"}}, Control::cmd_chk_in);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK1   103")}));

@@ -33,7 +33,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.body.toStdString());
         restart();
-        session.chk_error_Click(c.errorMode);
+        session.choose(Control::chk_error, c.errorMode);
         type({{txt_ls_pilot, c.fields[0]}});
         for (int i = 0; i < 4; ++i)
             type({{roomFields[i], c.fields[i + 1]}});

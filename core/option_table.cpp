@@ -44,6 +44,11 @@ OptionTable::parse(const QStringList& arguments,
             }
             continue;
         }
+        if (argument == u"--help") {
+            parsed.named << argument;
+            parsed.help = true;
+            continue;
+        }
         const Option* option = find(argument);
         if (!option) {
             parsed.error = QStringLiteral("unknown option %1").arg(argument);
@@ -76,6 +81,7 @@ QString OptionTable::usage() const {
     for (const Option& option : m_options)
         parts << u'[' + synopsis(option) + u']' +
                      (option.repeatable ? QStringLiteral("...") : QString());
+    parts << QStringLiteral("[--help]");
     if (!m_operands.isEmpty())
         parts << m_operands;
     QString text = head;
@@ -102,6 +108,8 @@ QString OptionTable::help(const QString& about, const QString& after) const {
             line += u'\n' + indent;
         text += line + QString(option.help).replace(u'\n', u'\n' + indent) + u'\n';
     }
+    text += QStringLiteral("  --help").leftJustified(helpColumn) +
+            QStringLiteral("show this and exit\n");
     return after.isEmpty() ? text : text + u'\n' + after;
 }
 

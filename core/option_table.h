@@ -24,7 +24,7 @@ struct Option {
     bool repeatable = false;        // shown with "..." in the usage
 };
 
-// A program's options, in the order --help lists them.
+// A program's options, in the order --help lists them; every program takes --help (or -h) too.
 class OptionTable {
 public:
     struct Parsed {
@@ -32,6 +32,7 @@ public:
         QStringList named;    // the options given, in order
         QStringList operands; // the arguments that are no option
         QStringList rest;     // what follows the operand that ended the options
+        bool help = false;    // --help (or -h) was given
     };
 
     // `operands` names what follows the options in the usage: "SCRIPT".

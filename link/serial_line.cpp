@@ -97,6 +97,19 @@ QString SerialSettings::take(const SerialOptions& given) {
     return QString();
 }
 
+Option frameGapOption(int& frameGapMs) {
+    return {"--frame-gap",
+            {"MS"},
+            "how long the line must be silent before a frame whose end never came is\n"
+            "taken as it stands (default: the longer of 100 ms and 20 character times\n"
+            "at the line's speed)",
+            takeWhole(frameGapMs, 1, 60'000)};
+}
+
+Option lineOption(QString& line, const QString& help) {
+    return {"--line", {"SPEED,PARITY,DATA,STOP"}, help, takeSerialLine(line)};
+}
+
 TakeValues takeSerialLine(QString& into) {
     return [&into](const QStringList& values) {
         SerialLine line;

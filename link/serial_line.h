@@ -33,6 +33,11 @@ struct SerialSettings {
     QString take(const SerialOptions& given);
 };
 
+// --frame-gap MS, into `frameGapMs` (0 while not given).
+Option frameGapOption(int& frameGapMs);
+// --line SPEED,PARITY,DATA,STOP, as parseSerialLine reads it.
+Option lineOption(QString& line, const QString& help);
+
 // Takes an option's "speed,parity,data,stop" whole, as parseSerialLine reads it.
 TakeValues takeSerialLine(QString& into);
 

@@ -58,10 +58,7 @@ OptionTable playerTable(PlayerOptions& o) {
                             ? QStringLiteral("wants a port number or device")
                             : QString();
              }},
-            {"--line",
-             {"SPEED,PARITY,DATA,STOP"},
-             "the serial line, such as 9600,N,8,1",
-             takeSerialLine(o.line)},
+            lineOption(o.line, "the serial line, such as 9600,N,8,1"),
             {"--dtr", {}, "raise DTR on the serial line", setFlag(o.dtr)},
             {"--rts", {}, "raise RTS on the serial line", setFlag(o.rts)},
             {"--null-discard",
@@ -88,12 +85,7 @@ OptionTable playerTable(PlayerOptions& o) {
              {"SECONDS"},
              "how long the link may take to open (default 30)",
              takeSeconds(o.connectTimeoutSeconds, 0, 1e6)},
-            {"--frame-gap",
-             {"MS"},
-             "how long the line must be silent before a frame whose end never came is\n"
-             "taken as it stands (default: the longer of 100 ms and 20 character times\n"
-             "at the line's speed; the window's setting Link/FrameGapMs when it is set)",
-             takeWhole(o.frameGapMs, 1, 60'000)},
+            frameGapOption(o.frameGapMs),
             {"--split-joined",
              {},
              "take each whole message of a read on its own, for a serial-to-TCP\n"
@@ -132,7 +124,6 @@ OptionTable playerTable(PlayerOptions& o) {
              "second, with no socket or device opened; the simulator's options follow\n"
              "SCRIPT and set how it answers, as larkspur-pbxsim(1) describes",
              setFlag(o.dryRun)},
-            {"--help", {}, "show this and exit", setFlag(o.help)},
         },
         QStringLiteral("SCRIPT [SIMULATOR OPTIONS]"));
 }
@@ -163,6 +154,7 @@ std::optional<PlayerOptions> parsePlayerOptions(const QStringList& arguments, QS
     // The simulator's options follow the script of a dry run.
     const OptionTable::Parsed parsed =
         playerTable(o).parse(arguments, [&o](const QString&) { return o.dryRun; });
+    o.help = parsed.help;
     error = parsed.error;
     if (error.isEmpty() && parsed.operands.size() > 1)
         error = QStringLiteral("one script only; \"%1\" is one too many").arg(parsed.operands[1]);

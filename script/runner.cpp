@@ -22,13 +22,17 @@ ScriptEngine::ScriptEngine(Session& session) : m_session(session) {
     connect(&session.link(), &Link::linkLost, this, stop);
 }
 
-void ScriptEngine::Xtest() {
+bool ScriptEngine::mayStart() {
+    // A run never starts inside another: it would play in the other's pauses and take its count.
     if (m_running)
+        return false;
+    m_session.errors().resetErrors();
+    return !m_session.link().waitingForAck();
+}
+
+void ScriptEngine::Xtest() {
+    if (!mayStart())
         return;
-    if (m_session.link().waitingForAck()) {
-        m_session.errors().resetErrors();
-        return;
-    }
     const QString path = m_session.operatorInterface().chooseFileToOpen(scriptFileFilter());
     if (path.isEmpty())
         return;
@@ -37,11 +41,7 @@ void ScriptEngine::Xtest() {
 
 ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
     Session& s = m_session;
-    // A run never starts inside another: it would play in the other's pauses and take its count.
-    if (m_running)
-        return RunOutcome::Busy;
-    s.errors().resetErrors();
-    if (s.link().waitingForAck())
+    if (!mayStart())
         return RunOutcome::Busy;
     const ScriptFile file = readScriptFile(path);
     if (file.status != ScriptFile::Status::Read) {
@@ -54,12 +54,8 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
 
 ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
     Session& s = m_session;
-    if (m_running)
+    if (!mayStart())
         return RunOutcome::Busy;
-    s.errors().resetErrors();
-    if (s.link().waitingForAck())
-        return RunOutcome::Busy;
-
     m_stopScript = false;
     s.setScriptControls(ConsoleState::Script::Running);
     s.useScriptMode(script.pmsMode, script.protocolType);

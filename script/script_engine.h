@@ -75,6 +75,8 @@ Q_SIGNALS:
     void scriptSaved(const QString& path, int lines);
 
 private:
+    // Resets the error count; false when a run or a wait is under way.
+    bool mayStart();
     RunOutcome interpret(const ScriptText& script);
     RunOutcome stopOnUnrecognized(const QString& command, int fileLine, const QString& why);
     // Fills the step's fields and presses its button or runs its wait.

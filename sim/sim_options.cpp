@@ -198,7 +198,6 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
              {"FILE"},
              "write the trace to FILE as well as to standard output",
              takeText(o.traceFile)},
-            {"--help", {}, "show this and exit", setFlag(o.help)},
         });
 }
 
@@ -208,6 +207,7 @@ ParsedArguments parseSimArguments(const QStringList& arguments) {
     SimOptions options;
     bool listenGiven = false;
     const OptionTable::Parsed parsed = simTable(options, listenGiven).parse(arguments);
+    options.help = parsed.help;
     if (parsed.error.isEmpty() && !parsed.operands.isEmpty())
         return {std::nullopt, QStringLiteral("unexpected argument \"%1\"").arg(parsed.operands[0])};
     if (!parsed.error.isEmpty())

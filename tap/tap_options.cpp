@@ -62,10 +62,7 @@ OptionTable tapTable(TapOptions& o) {
              {"PORT"},
              "and one hearing the PBX (a Y-cable); either or both",
              takePort(o.pbxPort)},
-            {"--line",
-             {"SPEED,PARITY,DATA,STOP"},
-             "the serial ports' line (default 9600,N,8,1)",
-             takeSerialLine(o.line)},
+            lineOption(o.line, "the serial ports' line (default 9600,N,8,1)"),
             {"--mode",
              {"HOTEL|VMAIL"},
              "hotel frames, or voice-mail frames with a check character (default HOTEL)",
@@ -74,11 +71,7 @@ OptionTable tapTable(TapOptions& o) {
              {"HYATT|HIS"},
              "the voice-mail protocol a learned script names (default HYATT)",
              takeProtocol(o.protocol)},
-            {"--frame-gap",
-             {"MS"},
-             "how long a line must be silent before a frame whose end never came is\n"
-             "shown as it stands (default: the longer of 100 ms and 20 character times)",
-             takeWhole(o.frameGapMs, 1, 60'000)},
+            frameGapOption(o.frameGapMs),
             {"--split-joined",
              {},
              "a read that holds several whole messages is taken message by message, as\n"
@@ -100,7 +93,6 @@ OptionTable tapTable(TapOptions& o) {
              {},
              "end when the first session ends instead of waiting for the next",
              setFlag(o.once)},
-            {"--help", {}, "show this and exit", setFlag(o.help)},
         });
 }
 
@@ -198,6 +190,7 @@ QString tapHelp() {
 std::optional<TapOptions> parseTapOptions(const QStringList& arguments, QString& error) {
     TapOptions o;
     const OptionTable::Parsed parsed = tapTable(o).parse(arguments);
+    o.help = parsed.help;
     error = parsed.error;
     if (error.isEmpty() && !parsed.operands.isEmpty())
         error = QStringLiteral("\"%1\" is not an option").arg(parsed.operands[0]);

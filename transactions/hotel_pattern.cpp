@@ -134,12 +134,19 @@ private:
 
 } // namespace
 
-void sendToRooms(Session& session, const HotelTransaction& transaction) {
+void sendHotelPress(Session& session, const HotelMessageRule& rule, const HotelPressSteps& press) {
     if (session.link().waitingForAck())
         return;
-    HotelPress press(session, transaction.rule);
-    pressRooms(transaction, sessionInput(session), press);
-    press.finish();
+    HotelPress steps(session, rule);
+    press(sessionInput(session), steps);
+    steps.finish();
+}
+
+void sendToRooms(Session& session, const HotelTransaction& transaction) {
+    sendHotelPress(session, transaction.rule,
+                   [&transaction](const PressInput& input, PressSteps& steps) {
+                       pressRooms(transaction, input, steps);
+                   });
 }
 
 } // namespace larkspur

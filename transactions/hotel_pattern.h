@@ -70,9 +70,15 @@ void pressRooms(const HotelTransaction& transaction, const PressInput& input, Pr
 // The session's reading of its own fields for a press.
 PressInput sessionInput(Session& session);
 
-// Sends the transaction to every usable room field in order, one ENQ exchange and one frame
-// each, all frames of the click sharing one retry counter. The first failure ends the click;
-// each acknowledged frame is recorded.
+// One press of a hotel button: the steps that read its fields and name its messages.
+using HotelPressSteps = std::function<void(const PressInput& input, PressSteps& steps)>;
+
+// Sends every message of `press` by the hotel sequence of `rule`, one ENQ exchange and one frame
+// each, all frames of the click sharing one retry counter; nothing while a wait runs. The first
+// failure ends the click; each acknowledged frame is recorded.
+void sendHotelPress(Session& session, const HotelMessageRule& rule, const HotelPressSteps& press);
+
+// The transaction to every usable room field in order.
 void sendToRooms(Session& session, const HotelTransaction& transaction);
 
 } // namespace larkspur

@@ -4,7 +4,6 @@
 #include "transactions/field_validation.h"
 #include "transactions/hotel_pattern.h"
 #include "transactions/session.h"
-#include "transactions/session_press.h"
 
 #include <vector>
 
@@ -44,23 +43,6 @@ SuiteField member(const PressInput& input, Field field, int number) {
     return {field, form.chopped(1), form.right(1), invalidLine};
 }
 
-// The one frame of a press, with its own retry counter; recorded when acknowledged.
-class SuitePress : public SessionPress {
-public:
-    using SessionPress::SessionPress;
-
-protected:
-    bool deliver(const PressMessage& message) override {
-        int attempt = 1;
-        if (!report(sendHotelMessage(m_session.link(), m_session.errors(), suiteRule, message.body,
-                                     attempt, message.body),
-                    message.body))
-            return false;
-        m_session.recorder().record(message.body);
-        return true;
-    }
-};
-
 } // namespace
 
 void pressLinkedSuite(const QString& word, const PressInput& input, PressSteps& steps) {
@@ -97,11 +79,9 @@ void pressLinkedSuite(const QString& word, const PressInput& input, PressSteps& 
 }
 
 void Session::send_linked_suite(const QString& word) {
-    if (m_link.waitingForAck())
-        return;
-    SuitePress press(*this);
-    pressLinkedSuite(word, sessionInput(*this), press);
-    press.finish();
+    sendHotelPress(*this, suiteRule, [&word](const PressInput& input, PressSteps& steps) {
+        pressLinkedSuite(word, input, steps);
+    });
 }
 
 void Session::cmd_ste_explain() {

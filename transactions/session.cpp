@@ -63,31 +63,40 @@ void Session::choose(Control control, bool checked) {
         m_state.menuProtocol = protocol;
         break;
     }
-    case Control::chk_error:
-        m_state.errorMode = checked;
-        break;
-    case Control::chk_linked_suite:
-        m_state.linkedSuites = checked;
-        break;
-    case Control::chk_manual:
-        m_state.manualMode = checked;
-        break;
-    case Control::chk_DTREnabled:
-        m_link.settings().dtrEnabled = checked;
-        break;
-    case Control::chk_RTSEnabled:
-        m_link.settings().rtsEnabled = checked;
-        break;
-    case Control::chk_NullDiscard:
-        m_link.settings().nullDiscard = checked;
-        break;
-    case Control::Continuous:
-        m_state.continuous = checked;
-        break;
     default:
-        return;
+        if (!chooseBox(control, checked))
+            return;
+        break;
     }
     changed();
+}
+
+bool Session::chooseBox(Control box, bool checked) {
+    // The boxes of the console's own options and of the serial line's signals.
+    static const std::pair<Control, bool ConsoleState::*> options[] = {
+        {Control::chk_error, &ConsoleState::errorMode},
+        {Control::chk_linked_suite, &ConsoleState::linkedSuites},
+        {Control::chk_manual, &ConsoleState::manualMode},
+        {Control::Continuous, &ConsoleState::continuous},
+    };
+    static const std::pair<Control, bool LinkSettings::*> lineSignals[] = {
+        {Control::chk_DTREnabled, &LinkSettings::dtrEnabled},
+        {Control::chk_RTSEnabled, &LinkSettings::rtsEnabled},
+        {Control::chk_NullDiscard, &LinkSettings::nullDiscard},
+    };
+    for (const auto& [control, option] : options) {
+        if (control == box) {
+            m_state.*option = checked;
+            return true;
+        }
+    }
+    for (const auto& [control, signal] : lineSignals) {
+        if (control == box) {
+            m_link.settings().*signal = checked;
+            return true;
+        }
+    }
+    return false;
 }
 
 void Session::applyModeAndLinkChoice() {

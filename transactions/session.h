@@ -100,6 +100,8 @@ private:
     friend class SessionPress;
     // Announces the state when it changed.
     void changed();
+    // Ticks a check box's option; false when `box` is none.
+    bool chooseBox(Control box, bool checked);
 
     EventPump& m_pump;
     OperatorInterface& m_operator;

@@ -113,6 +113,14 @@ QString OptionTable::help(const QString& about, const QString& after) const {
     return after.isEmpty() ? text : text + u'\n' + after;
 }
 
+Option flagOption(const char* name, bool& flag, const char* help) {
+    return {name, {}, help, setFlag(flag)};
+}
+
+Option valueOption(const char* name, const char* value, TakeValues take, const char* help) {
+    return {name, {value}, help, std::move(take)};
+}
+
 TakeValues setFlag(bool& flag) {
     return [&flag](const QStringList&) {
         flag = true;

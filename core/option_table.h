@@ -56,6 +56,11 @@ private:
     QString m_operands;
 };
 
+// A switch that sets `flag`.
+Option flagOption(const char* name, bool& flag, const char* help);
+// An option with one value, named `value` in the usage.
+Option valueOption(const char* name, const char* value, TakeValues take, const char* help);
+
 // Takers for the common kinds of value. Each names what it wants when a value will not do.
 TakeValues setFlag(bool& flag);
 TakeValues takeText(QString& into, bool mayBeEmpty = false);

@@ -59,71 +59,49 @@ OptionTable playerTable(PlayerOptions& o) {
                             : QString();
              }},
             lineOption(o.line, "the serial line, such as 9600,N,8,1"),
-            {"--dtr", {}, "raise DTR on the serial line", setFlag(o.dtr)},
-            {"--rts", {}, "raise RTS on the serial line", setFlag(o.rts)},
-            {"--null-discard",
-             {},
-             "drop the NUL bytes the serial line receives",
-             setFlag(o.nullDiscard)},
-            {"--mode",
-             {"HOTEL|VMAIL"},
-             "the mode the link is tested in (default: the one the script's first line names)",
-             takeMode(o.mode)},
-            {"--protocol",
-             {"HYATT|HIS"},
-             "the voice-mail protocol (default: the script's)",
-             takeProtocol(o.protocol)},
-            {"--error-mode",
-             {},
-             "send the fields as the script has them, unchecked",
-             setFlag(o.errorMode)},
-            {"--continuous",
-             {},
-             "play the script again from its top each time it ends",
-             setFlag(o.continuous)},
-            {"--connect-timeout",
-             {"SECONDS"},
-             "how long the link may take to open (default 30)",
-             takeSeconds(o.connectTimeoutSeconds, 0, 1e6)},
+            flagOption("--dtr", o.dtr, "raise DTR on the serial line"),
+            flagOption("--rts", o.rts, "raise RTS on the serial line"),
+            flagOption("--null-discard", o.nullDiscard,
+                       "drop the NUL bytes the serial line receives"),
+            valueOption(
+                "--mode", "HOTEL|VMAIL", takeMode(o.mode),
+                "the mode the link is tested in (default: the one the script's first line names)"),
+            valueOption("--protocol", "HYATT|HIS", takeProtocol(o.protocol),
+                        "the voice-mail protocol (default: the script's)"),
+            flagOption("--error-mode", o.errorMode,
+                       "send the fields as the script has them, unchecked"),
+            flagOption("--continuous", o.continuous,
+                       "play the script again from its top each time it ends"),
+            valueOption("--connect-timeout", "SECONDS",
+                        takeSeconds(o.connectTimeoutSeconds, 0, 1e6),
+                        "how long the link may take to open (default 30)"),
             frameGapOption(o.frameGapMs),
-            {"--split-joined",
-             {},
-             "take each whole message of a read on its own, for a serial-to-TCP\n"
-             "converter that joins them (the window's setting Link/SplitJoinedMessages)",
-             setFlag(o.splitJoined)},
-            {"--no-settings",
-             {},
-             "ignore the settings the window stored: what the options leave open is the\n"
-             "first-run default (TCP 127.0.0.1:15374, line 1200,N,8,2), so the same\n"
-             "command runs the same on every machine, as in CI",
-             setFlag(o.noSettings)},
-            {"--save-log", {"FILE"}, "write the log viewer's lines to FILE", takeText(o.saveLog)},
-            {"--error-report",
-             {"FILE"},
-             "write the error records to FILE",
-             takeText(o.errorReport)},
-            {"--junit",
-             {"FILE"},
-             "write a JUnit report to FILE, one test case per command",
-             takeText(o.junit)},
-            {"--trace",
-             {"FILE"},
-             "write every byte sent and received to FILE, time-stamped",
-             takeText(o.trace)},
-            {"--check",
-             {},
-             "read SCRIPT as the runner does and print, without opening any link, each\n"
-             "command it will reach with its fields and columns, then what will not play\n"
-             "as written; exit 0 clean, 1 with warnings, 3 when the run would stop",
-             setFlag(o.check)},
-            {"--json", {}, "with --check: the same as one JSON object", setFlag(o.json)},
-            {"--dry-run",
-             {},
-             "play SCRIPT against the simulator inside this process, in virtual time:\n"
-             "the same run and output as against larkspur-pbxsim, in a fraction of a\n"
-             "second, with no socket or device opened; the simulator's options follow\n"
-             "SCRIPT and set how it answers, as larkspur-pbxsim(1) describes",
-             setFlag(o.dryRun)},
+            flagOption("--split-joined", o.splitJoined,
+                       "take each whole message of a read on its own, for a serial-to-TCP\n"
+                       "converter that joins them (the window's setting Link/SplitJoinedMessages)"),
+            flagOption("--no-settings", o.noSettings,
+                       "ignore the settings the window stored: what the options leave open is the\n"
+                       "first-run default (TCP 127.0.0.1:15374, line 1200,N,8,2), so the same\n"
+                       "command runs the same on every machine, as in CI"),
+            valueOption("--save-log", "FILE", takeText(o.saveLog),
+                        "write the log viewer's lines to FILE"),
+            valueOption("--error-report", "FILE", takeText(o.errorReport),
+                        "write the error records to FILE"),
+            valueOption("--junit", "FILE", takeText(o.junit),
+                        "write a JUnit report to FILE, one test case per command"),
+            valueOption("--trace", "FILE", takeText(o.trace),
+                        "write every byte sent and received to FILE, time-stamped"),
+            flagOption(
+                "--check", o.check,
+                "read SCRIPT as the runner does and print, without opening any link, each\n"
+                "command it will reach with its fields and columns, then what will not play\n"
+                "as written; exit 0 clean, 1 with warnings, 3 when the run would stop"),
+            flagOption("--json", o.json, "with --check: the same as one JSON object"),
+            flagOption("--dry-run", o.dryRun,
+                       "play SCRIPT against the simulator inside this process, in virtual time:\n"
+                       "the same run and output as against larkspur-pbxsim, in a fraction of a\n"
+                       "second, with no socket or device opened; the simulator's options follow\n"
+                       "SCRIPT and set how it answers, as larkspur-pbxsim(1) describes"),
         },
         QStringLiteral("SCRIPT [SIMULATOR OPTIONS]"));
 }

@@ -133,43 +133,27 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
                  return QString();
              },
              true},
-            {"--mode",
-             {"HOTEL|VMAIL"},
-             "VMAIL frames carry a check character after the ETX (default HOTEL)",
-             takeMode(o.mode)},
-            {"--on-enq",
-             {"ANSWERS"},
-             "answer to a bare ENQ: ack, nak or silent (default ack); a list such as\n"
-             "nak,nak,ack answers the first ENQs of each connect in turn and repeats\n"
-             "the last answer for the rest",
-             answers(o.firstEnqAnswers, o.onEnq)},
-            {"--on-frame",
-             {"ANSWERS"},
-             "answer to a frame, the same way (default ack)",
-             answers(o.firstFrameAnswers, o.onFrame)},
-            {"--answer-delay",
-             {"SECONDS"},
-             "wait that long before each of those answers (default 0: at once)",
-             takeSecondsFrom0(o.answerDelaySeconds)},
-            {"--line-speed",
-             {"BAUD"},
-             "write what the PBX sends one byte at a time, each taking ten bits' time\n"
-             "at BAUD, as a serial line delivers it (1200 baud: 8.3 ms a byte)",
-             takeWhole(o.pacing.baud, 50, maxBaud)},
-            {"--split",
-             {"BYTES"},
-             "cut every message the PBX sends into pieces of BYTES, as a USB adapter\n"
-             "or a serial-to-TCP converter hands them over (with --line-speed, each\n"
-             "piece leaves once its bytes have crossed the line)",
-             takeWhole(o.pacing.pieceBytes, 1, maxPieceBytes)},
-            {"--split-gap",
-             {"SECONDS"},
-             "the pause after each piece of a cut message (default 0.02)",
-             takeSecondsFrom0(o.pacing.pieceGapSeconds)},
-            {"--echo-offer",
-             {},
-             "send the Telnet offer to echo (255 251 1) on each TCP connect",
-             setFlag(o.echoOffer)},
+            valueOption("--mode", "HOTEL|VMAIL", takeMode(o.mode),
+                        "VMAIL frames carry a check character after the ETX (default HOTEL)"),
+            valueOption("--on-enq", "ANSWERS", answers(o.firstEnqAnswers, o.onEnq),
+                        "answer to a bare ENQ: ack, nak or silent (default ack); a list such as\n"
+                        "nak,nak,ack answers the first ENQs of each connect in turn and repeats\n"
+                        "the last answer for the rest"),
+            valueOption("--on-frame", "ANSWERS", answers(o.firstFrameAnswers, o.onFrame),
+                        "answer to a frame, the same way (default ack)"),
+            valueOption("--answer-delay", "SECONDS", takeSecondsFrom0(o.answerDelaySeconds),
+                        "wait that long before each of those answers (default 0: at once)"),
+            valueOption("--line-speed", "BAUD", takeWhole(o.pacing.baud, 50, maxBaud),
+                        "write what the PBX sends one byte at a time, each taking ten bits' time\n"
+                        "at BAUD, as a serial line delivers it (1200 baud: 8.3 ms a byte)"),
+            valueOption("--split", "BYTES", takeWhole(o.pacing.pieceBytes, 1, maxPieceBytes),
+                        "cut every message the PBX sends into pieces of BYTES, as a USB adapter\n"
+                        "or a serial-to-TCP converter hands them over (with --line-speed, each\n"
+                        "piece leaves once its bytes have crossed the line)"),
+            valueOption("--split-gap", "SECONDS", takeSecondsFrom0(o.pacing.pieceGapSeconds),
+                        "the pause after each piece of a cut message (default 0.02)"),
+            flagOption("--echo-offer", o.echoOffer,
+                       "send the Telnet offer to echo (255 251 1) on each TCP connect"),
             {"--at",
              {"SECONDS", "TEXT"},
              "send TEXT that many seconds after each connect (the pty counts as\n"
@@ -194,10 +178,8 @@ OptionTable simTable(SimOptions& o, bool& listenGiven) {
              },
              false,
              true},
-            {"--trace",
-             {"FILE"},
-             "write the trace to FILE as well as to standard output",
-             takeText(o.traceFile)},
+            valueOption("--trace", "FILE", takeText(o.traceFile),
+                        "write the trace to FILE as well as to standard output"),
         });
 }
 

@@ -67,8 +67,6 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     connect(&m_session.link(), &Link::linkLost, this,
             [this](const QString& reason) { m_status->setLinkState(LinkState::Lost, reason); });
     connect(&m_session.link(), &Link::linkWarning, m_status, &ConsoleStatusBar::setWarning);
-    connect(&m_session.link(), &Link::notSent, this,
-            [this] { m_status->setWarning(QStringLiteral("Nothing was sent: the link is down")); });
     connect(&m_session.recorder(), &Recording::changed, this, [this] {
         m_status->showRecording(m_session.recorder().recording(), m_session.recorder().lines());
     });

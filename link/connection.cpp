@@ -46,7 +46,7 @@ void Link::setMode(PmsMode pmsMode, Protocol protocolType) {
 void Link::send_text(const QString& text) {
     Transport& transport = activeTransport();
     if (!transport.isOpen()) {
-        Q_EMIT notSent();
+        Q_EMIT linkWarning(QStringLiteral("Nothing was sent: the link is down"));
         return;
     }
     const QByteArray bytes = text.toLatin1();

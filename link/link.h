@@ -87,9 +87,8 @@ public:
     // The voice-mail frame of the link's protocol; an unknown code is logged.
     QString build_vmail_message(const QString& code, const QString& field1, const QString& field2);
 
-    // The transport went away since the last connect (the PBX hung up, the device vanished).
-    bool lost() const { return m_lost; }
-    // Every wait ends at once when the link is lost or the console is closing.
+    // Every wait ends at once when the link is lost (the PBX hung up, the device vanished) or the
+    // console is closing.
     bool interrupted() const;
 
     // Opens and tests the active link. `connectLimitSeconds` bounds the TCP connect loop
@@ -97,12 +96,6 @@ public:
     ConnectResult cmd_connect(double connectLimitSeconds = 0);
     void cmd_disconnect();
     bool isOpen() const;
-    Transport& activeTransport() { return m_settings.useTcp ? m_tcp : m_serial; }
-
-    // The receive handlers, one per transport; each takes one read as one message.
-    void onSerialData(const QByteArray& bytes);
-    void onSerialCarrierDetect();
-    void onTcpData(const QByteArray& bytes);
 
 Q_SIGNALS:
     // A connect was taken and opens the link now.
@@ -116,14 +109,19 @@ Q_SIGNALS:
     // Every transport write, and every read as the receiver took it, for the wire trace.
     void bytesSent(const QByteArray& bytes);
     void bytesReceived(const QByteArray& bytes);
-    // A write while the link is down, dropped: nothing reached the PBX.
-    void notSent();
     // The transport went away; every wait ends and the controls go to the disconnected state.
     void linkLost(const QString& reason);
+    // Something the operator should know that does not stop the link: a line signal the device
+    // cannot drive, a write dropped while the link is down.
     void linkWarning(const QString& text);
 
 private:
     enum class Receiver { Serial, Tcp };
+    Transport& activeTransport() { return m_settings.useTcp ? m_tcp : m_serial; }
+    // The receive handlers, one per transport; each takes one read as one message.
+    void onSerialData(const QByteArray& bytes);
+    void onSerialCarrierDetect();
+    void onTcpData(const QByteArray& bytes);
     void receive(QString text, Receiver receiver);
     void logVmailStatus(const QString& text, Receiver receiver);
     void listen(Transport& transport, ReceiveAssembly& assembly);

@@ -48,7 +48,7 @@ TEST_F(LostLink, EndsTheConnectionTest) {
     // Connect is there again, and works once the PBX is back.
     pbx.options.onEnq = sim::Answer::Ack;
     EXPECT_EQ(session.cmd_connect(), Link::ConnectResult::Connected);
-    EXPECT_FALSE(session.link().lost());
+    EXPECT_FALSE(session.link().interrupted());
 }
 
 TEST_F(LostLink, VoiceMailFrameGetsNoVerdict) {

@@ -16,7 +16,13 @@ void ReceiveAssembly::take(const QByteArray& bytes) {
             Q_EMIT message(bytes);
         return;
     }
+    const bool heldBefore = holding();
     const QList<WireUnit> units = m_reader.feed(bytes);
+    if (!m_splitJoined && !heldBefore && !holding()) {
+        // The read ends outside a frame and nothing was held: it is the message as it came.
+        Q_EMIT message(bytes);
+        return;
+    }
     if (m_splitJoined) {
         for (const WireUnit& unit : units)
             Q_EMIT message(unit.bytes);

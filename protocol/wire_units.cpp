@@ -47,7 +47,14 @@ QList<WireUnit> WireScanner::feed(QByteArrayView bytes) {
             continue;
         }
         if (holding()) {
-            m_frame += byte;
+            // The body up to the next STX or ETX goes in at once: most frames come in one read.
+            qsizetype end = i;
+            while (end + 1 < bytes.size() && bytes[end + 1] != char(ctl::STX) &&
+                   bytes[end + 1] != char(ctl::ETX) && byte != char(ctl::ETX) &&
+                   m_frame.size() + (end + 1 - i) < maxFrameBytes)
+                ++end;
+            m_frame += bytes.sliced(i, end - i + 1);
+            i = end;
             if (byte != char(ctl::ETX)) {
                 if (m_frame.size() > maxFrameBytes)
                     units.append(frameUnit(WireUnit::Kind::UnfinishedFrame));

@@ -1,24 +1,10 @@
 #include "common/pbxsim_process.h"
 
-#include "core/qt_event_pump.h"
-
-#include <QElapsedTimer>
 #include <QRegularExpression>
 
-namespace larkspur::test {
+#include <csignal>
 
-bool waitUntil(const std::function<bool()>& condition, int timeoutMs) {
-    QtEventPump pump;
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        const qint64 left = timeoutMs - clock.elapsed();
-        if (left <= 0)
-            return false;
-        pump.waitForEvent(int(left));
-    }
-    return true;
-}
+namespace larkspur::test {
 
 void PbxSimOutput::feed(const QByteArray& bytes) {
     static const QRegularExpression traced(
@@ -45,16 +31,6 @@ PbxSimProcess::PbxSimProcess(const QStringList& extraArguments)
                      [this] { m_output.feed(m_process.readAllStandardOutput()); });
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_stderr += m_process.readAllStandardError(); });
-}
-
-PbxSimProcess::~PbxSimProcess() {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(2000)) {
-        m_process.kill();
-        m_process.waitForFinished(2000);
-    }
 }
 
 QString PbxSimProcess::program() {
@@ -87,15 +63,10 @@ void PbxSimProcess::writeLine(const QString& line) {
 }
 
 int PbxSimProcess::stop(int timeoutMs) {
-    m_process.terminate();
-    if (!waitUntil([&] { return m_process.state() == QProcess::NotRunning; }, timeoutMs)) {
-        m_process.kill();
-        m_process.waitForFinished(timeoutMs);
-        return -1;
-    }
+    const int status = m_process.stop(SIGTERM, timeoutMs);
     m_output.feed(m_process.readAllStandardOutput());
     m_stderr += m_process.readAllStandardError();
-    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    return status;
 }
 
 QString PbxSimProcess::diagnostics() const {

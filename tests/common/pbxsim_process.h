@@ -5,13 +5,7 @@
 #include <QByteArray>
 #include <QStringList>
 
-#include <functional>
-
 namespace larkspur::test {
-
-// Waits until `condition` holds, running the Qt event loop (blocked in it, not spinning), for at
-// most `timeoutMs` of real time. Returns whether it holds.
-bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 
 // Splits the simulator's standard output into its trace lines ("RX <...>" and "TX <...>", the
 // time stamp taken off) and its status lines ("# ...", kept whole). Anything else is a stray
@@ -41,7 +35,6 @@ private:
 class PbxSimProcess {
 public:
     explicit PbxSimProcess(const QStringList& extraArguments = {});
-    ~PbxSimProcess(); // ends it: SIGTERM, then SIGKILL if it lingers
     PbxSimProcess(const PbxSimProcess&) = delete;
     PbxSimProcess& operator=(const PbxSimProcess&) = delete;
 

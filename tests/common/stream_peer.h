@@ -2,10 +2,16 @@
 
 #include <QByteArray>
 #include <QSocketNotifier>
+#include <QString>
 
+#include <arpa/inet.h>
 #include <cerrno>
 #include <fcntl.h>
+#include <memory>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
+#include <vector>
 
 namespace larkspur::test {
 
@@ -78,5 +84,50 @@ private:
     QSocketNotifier m_writable{m_fd, QSocketNotifier::Write};
     QByteArray m_unsent;
 };
+
+// A loopback TCP server whose connections become peers as they come in.
+class LoopbackListener {
+public:
+    LoopbackListener() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        ::bind(m_fd, reinterpret_cast<sockaddr*>(&address), length);
+        ::listen(m_fd, 8);
+        ::getsockname(m_fd, reinterpret_cast<sockaddr*>(&address), &length);
+        m_port = ntohs(address.sin_port);
+        QObject::connect(&m_incoming, &QSocketNotifier::activated, [this] {
+            const int accepted = ::accept4(m_fd, nullptr, nullptr, SOCK_CLOEXEC);
+            if (accepted >= 0)
+                peers.push_back(std::make_unique<StreamPeer>(accepted));
+        });
+    }
+    ~LoopbackListener() { ::close(m_fd); }
+    LoopbackListener(const LoopbackListener&) = delete;
+    LoopbackListener& operator=(const LoopbackListener&) = delete;
+
+    quint16 port() const { return m_port; }
+    QString address() const { return QStringLiteral("127.0.0.1:%1").arg(m_port); }
+    StreamPeer& last() { return *peers.back(); }
+
+    std::vector<std::unique_ptr<StreamPeer>> peers;
+
+private:
+    int m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    quint16 m_port = 0;
+    QSocketNotifier m_incoming{m_fd, QSocketNotifier::Read};
+};
+
+// A peer connected to a loopback port (a refused connect hangs up at once).
+inline std::unique_ptr<StreamPeer> connectToLoopback(quint16 port) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    return std::make_unique<StreamPeer>(fd);
+}
 
 } // namespace larkspur::test

@@ -1,10 +1,27 @@
 #include "common/test_process.h"
 
+#include "core/qt_event_pump.h"
+
+#include <QElapsedTimer>
+
 #include <csignal>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 namespace larkspur::test {
+
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs) {
+    QtEventPump pump;
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        const qint64 left = timeoutMs - clock.elapsed();
+        if (left <= 0)
+            return false;
+        pump.waitForEvent(int(left));
+    }
+    return true;
+}
 
 TestProcess::TestProcess() {
     setChildProcessModifier([parent = ::getpid()] {
@@ -13,6 +30,30 @@ TestProcess::TestProcess() {
         if (::getppid() != parent)
             ::_exit(127);
     });
+}
+
+TestProcess::~TestProcess() {
+    if (state() == NotRunning)
+        return;
+    terminate();
+    if (!waitForFinished(5000)) {
+        kill();
+        waitForFinished(5000);
+    }
+}
+
+int TestProcess::waitForExit(int timeoutMs) {
+    if (!waitUntil([this] { return state() == NotRunning; }, timeoutMs)) {
+        kill();
+        waitForFinished(5000);
+        return -1;
+    }
+    return exitStatus() == NormalExit ? exitCode() : -1;
+}
+
+int TestProcess::stop(int signal, int timeoutMs) {
+    ::kill(pid_t(processId()), signal);
+    return waitForExit(timeoutMs);
 }
 
 } // namespace larkspur::test

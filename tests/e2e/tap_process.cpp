@@ -6,8 +6,6 @@
 #include <QFile>
 #include <QRegularExpression>
 
-#include <csignal>
-
 namespace larkspur::test {
 
 namespace {
@@ -20,16 +18,6 @@ TapProcess::TapProcess(const QStringList& arguments) : m_arguments(arguments) {
                      [this] { m_stdout += m_process.readAllStandardOutput(); });
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_stderr += m_process.readAllStandardError(); });
-}
-
-TapProcess::~TapProcess() {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(5000)) {
-        m_process.kill();
-        m_process.waitForFinished(5000);
-    }
 }
 
 QString TapProcess::program() {
@@ -89,24 +77,18 @@ bool TapProcess::waitForLine(const QString& text, int timeoutMs) {
         timeoutMs);
 }
 
-int TapProcess::exitStatus() {
+int TapProcess::collected(int status) {
     m_stdout += m_process.readAllStandardOutput();
     m_stderr += m_process.readAllStandardError();
-    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    return status;
 }
 
 int TapProcess::stop(int signal, int timeoutMs) {
-    ::kill(pid_t(m_process.processId()), signal);
-    return waitForExit(timeoutMs);
+    return collected(m_process.stop(signal, timeoutMs));
 }
 
 int TapProcess::waitForExit(int timeoutMs) {
-    if (!waitUntil([&] { return m_process.state() == QProcess::NotRunning; }, timeoutMs)) {
-        m_process.kill();
-        m_process.waitForFinished(5000);
-        return -1;
-    }
-    return exitStatus();
+    return collected(m_process.waitForExit(timeoutMs));
 }
 
 std::string TapProcess::diagnostics() const {

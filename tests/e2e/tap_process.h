@@ -15,7 +15,6 @@ namespace larkspur::test {
 class TapProcess {
 public:
     explicit TapProcess(const QStringList& arguments);
-    ~TapProcess(); // ends it: SIGTERM, then SIGKILL if it lingers
     TapProcess(const TapProcess&) = delete;
     TapProcess& operator=(const TapProcess&) = delete;
 
@@ -48,7 +47,8 @@ public:
     std::string diagnostics() const;
 
 private:
-    int exitStatus();
+    // Takes in what it wrote last, and gives `status`.
+    int collected(int status);
 
     QStringList m_arguments;
     QString m_traceFile; // where the trace is read when standard output goes elsewhere

@@ -185,14 +185,13 @@ TEST_F(PlayerHostile, Ipv6Loopback) {
 }
 
 TEST_F(PlayerHostile, VoiceMailLineWithoutTildeIsNamed) {
-    PbxSimProcess sim({"--mode", "VMAIL"});
-    ASSERT_TRUE(sim.start());
-    start({"--tcp", tcp(sim),
+    start({"--dry-run",
            file("s.txt", "VMAILHIS\r\n\x02"
                          "24001  \x03"
                          "4~\r\n\x02"
                          "34001  \x03"
-                         "5\r\n;\r\n")});
+                         "5\r\n;\r\n"),
+           "--mode", "VMAIL"});
     EXPECT_EQ(finish(), 3) << err.toStdString();
     EXPECT_TRUE(err.contains("larkspur-run: line 3: a voice-mail line without \"~\""))
         << err.toStdString();
@@ -201,10 +200,9 @@ TEST_F(PlayerHostile, VoiceMailLineWithoutTildeIsNamed) {
 }
 
 TEST_F(PlayerHostile, CheckInTakenOnAStaleAckFailsInJunit) {
-    PbxSimProcess sim({"--on-frame", "silent"});
-    ASSERT_TRUE(sim.start());
     const QString junit = home.filePath("r.xml");
-    start({"--tcp", tcp(sim), "--junit", junit, file("s.txt", "CHK1   101\r\n;\r\n")});
+    start({"--dry-run", "--junit", junit, file("s.txt", "CHK1   101\r\n;\r\n"), "--on-frame",
+           "silent"});
     // The console counts it acknowledged, as its rules say; the run still tells that it failed.
     EXPECT_EQ(finish(), 1);
     const QByteArray xml = contentOf(junit);

@@ -2,17 +2,15 @@
 // test plays by hand, over loopback TCP: the learned script's round trip, the bytes both ways,
 // the trace and the statistics, hang-ups, floods and a trace nobody reads.
 #include "common/qt_printers.h"
+#include "common/stream_peer.h"
 #include "learned_replay.h"
 #include "protocol/readable_notation.h"
-#include "protocol/vmail_frame.h"
-#include "tap/tap_options.h"
 #include "tap_process.h"
 
 #include <QFile>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -34,48 +32,15 @@ QByteArray withoutComments(const QByteArray& script) {
     return kept;
 }
 
-QByteArray vmailLine(const char* code, const char* mailbox, const char* extra, Protocol protocol) {
-    bool recognized = false;
-    return build_vmail_message(code, mailbox, extra, protocol, recognized).toLatin1() + "~\r\n";
-}
-
-// Every transaction a hotel script has a word for, one frame each.
-const QByteArray hotelScript = "CHK1   101\r\n"
-                               "NAM1 Smith                  101\r\n"
-                               "NAM2 Jones                  101\r\n"
-                               "MW 1   101\r\n"
-                               "MW 0   101\r\n"
-                               "LMT1   101   500\r\n"
-                               "WKP0730  101\r\n"
-                               "RST2   101\r\n"
-                               "DPT1 SALES       101\r\n"
-                               "DPT2 MARKETING   101\r\n"
-                               "DPT3 MARKETING   101\r\n"
-                               "LOC1 LOBBY       101\r\n"
-                               "LOC2 POOL        101\r\n"
-                               "LOC3 POOL        101\r\n"
-                               "STE0   101   102   103\r\n"
-                               "STE5   101   104\r\n"
-                               "STEB   104\r\n"
-                               "NAM3 Jones                  101\r\n"
-                               "CHK0   101\r\n"
+// A check-in and a move of a mailbox, each frame with its check character.
+const QByteArray hyattScript = "VMAILHYATT\r\n"
+                               "\x02"
+                               "24001        \x03"
+                               "4~\r\n"
+                               "\x02"
+                               "74001  4002  \x03"
+                               "7~\r\n"
                                "; the last line never plays\r\n";
-
-QByteArray vmailScript(Protocol protocol, bool everyOperation) {
-    QByteArray script = "VMAIL" + protocolName(protocol).toLatin1() + "\r\n";
-    script += vmailLine("2", "4001", "", protocol);
-    script += vmailLine("7", "4001", "4002", protocol);
-    script += vmailLine("A", "4002", "1234", protocol);
-    if (everyOperation) {
-        script += vmailLine("3", "4002", "", protocol);
-        script += vmailLine("6", "4001", "", protocol);
-        script += vmailLine("8", "4001", "12", protocol);
-        script += vmailLine("9", "4001", "03", protocol);
-        script += vmailLine("B", "4001", "5678", protocol);
-        script += vmailLine("D", "4001", "900100", protocol);
-    }
-    return script + "; the last line never plays\r\n";
-}
 
 // "type" -> "sent/acked/refused/timeout" of a statistics table.
 QMap<QString, QString> statisticsRows(const QStringList& lines) {
@@ -162,21 +127,19 @@ protected:
     }
 };
 
-TEST_F(TapEndToEnd, AHotelScriptComesBackLineForLine) {
-    roundTrip({}, {}, hotelScript, withoutComments(hotelScript), 19);
-}
-
-TEST_F(TapEndToEnd, WaitsComeBackWithDigitsThatMeetThemAgain) {
-    // The status comes in pieces, as a serial-to-TCP converter delivers it.
+TEST_F(TapEndToEnd, AHotelScriptComesBackLineForLineWithWaitsThatMeetThemAgain) {
+    // Transactions of each shape; the status comes in pieces, as a serial-to-TCP converter
+    // delivers it.
     const QByteArray script = "CHK1   101\r\n"
                               "WAIT STS2   101 3\r\n"
+                              "STE0   101   102   103\r\n"
                               "CHK0   101\r\n"
                               "WAIT MR 0001  101 2\r\n"
-                              ";\r\n";
+                              "; the last line never plays\r\n";
     const QStringList pbx = {"--after", "CHK1", "2.5",         "STS2   101",
                              "--after", "CHK0", "1.5",         "MR 0001  101",
                              "--split", "3",    "--split-gap", "0.02"};
-    roundTrip(pbx, {"--learn-waits"}, script, withoutComments(script), 4);
+    roundTrip(pbx, {"--learn-waits"}, script, withoutComments(script), 5);
     EXPECT_TRUE(outLines().contains("successfully received --> sts2"));
     EXPECT_TRUE(outLines().contains("successfully received --> mr"));
 
@@ -187,16 +150,9 @@ TEST_F(TapEndToEnd, WaitsComeBackWithDigitsThatMeetThemAgain) {
     EXPECT_TRUE(outLines().contains("successfully received --> mr")) << out.toStdString();
 }
 
-TEST_F(TapEndToEnd, AVoiceMailScriptComesBackInTheHisProtocol) {
-    const QByteArray script = vmailScript(Protocol::His, true);
-    roundTrip({"--mode", "VMAIL"}, {"--mode", "VMAIL", "--protocol", "HIS"}, script,
-              withoutComments(script), 9);
-}
-
 TEST_F(TapEndToEnd, AVoiceMailScriptComesBackInTheHyattProtocolAndReplaysWhole) {
-    const QByteArray script = vmailScript(Protocol::Hyatt, false);
-    roundTrip({"--mode", "VMAIL"}, {"--mode", "VMAIL", "--protocol", "HYATT"}, script,
-              withoutComments(script), 3);
+    roundTrip({"--mode", "VMAIL"}, {"--mode", "VMAIL", "--protocol", "HYATT"}, hyattScript,
+              withoutComments(hyattScript), 2);
     EXPECT_TRUE(heardReplaying(learnedPath, {"--mode", "VMAIL"}, false) == pbxHeard);
 }
 
@@ -253,64 +209,9 @@ TEST_F(TapEndToEnd, TheTraceShowsRefusalsAndRetries) {
                   });
 }
 
-// A PMS or a PBX played by the test over a socket of its own.
-struct RawSocket {
-    QTcpSocket* socket = nullptr;
-    QByteArray received;
-    bool hungUp = false;
-
-    RawSocket() = default;
-    RawSocket(const RawSocket&) = delete;
-    RawSocket& operator=(const RawSocket&) = delete;
-    // The socket may outlive this (it is the server's), and tell of its end as it goes.
-    ~RawSocket() { letGo(); }
-    void letGo() {
-        if (socket)
-            QObject::disconnect(socket, nullptr, nullptr, nullptr);
-        socket = nullptr;
-    }
-
-    void attach(QTcpSocket* s) {
-        socket = s;
-        QObject::connect(s, &QTcpSocket::readyRead, [this] { received += socket->readAll(); });
-        QObject::connect(s, &QTcpSocket::disconnected, [this] { hungUp = true; });
-    }
-    void send(const QByteArray& bytes) {
-        socket->write(bytes);
-        socket->flush();
-    }
-};
-
-// The PBX end: takes each connection the tap makes.
-struct RawPbx {
-    QTcpServer server;
-    QList<RawSocket*> connections;
-    RawPbx() {
-        server.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&server, &QTcpServer::newConnection, [this] {
-            auto* connection = new RawSocket;
-            connection->attach(server.nextPendingConnection());
-            connections << connection;
-        });
-    }
-    ~RawPbx() { qDeleteAll(connections); }
-    QString address() const { return QStringLiteral("127.0.0.1:%1").arg(server.serverPort()); }
-    RawSocket& last() { return *connections.last(); }
-};
-
-struct RawPms : RawSocket {
-    QTcpSocket own;
-    ~RawPms() { letGo(); }
-    explicit RawPms(quint16 port) {
-        attach(&own);
-        own.connectToHost(QStringLiteral("127.0.0.1"), port);
-        own.waitForConnected(5000);
-    }
-};
-
 class TapHandPlayed : public ::testing::Test {
 protected:
-    RawPbx pbx;
+    LoopbackListener pbx; // the PBX end: takes each connection the tap makes
     QTemporaryDir dir;
 
     // `output`: where its standard output goes, when not to the test.
@@ -324,34 +225,37 @@ protected:
         return tap;
     }
     // A PMS connected through the tap, once the tap has reached the PBX.
-    std::unique_ptr<RawPms> connectPms(TapProcess& tap, int sessions) {
-        auto pms = std::make_unique<RawPms>(tap.port());
-        EXPECT_TRUE(waitUntil([&] { return pbx.connections.size() >= sessions; }))
-            << tap.diagnostics();
+    std::unique_ptr<StreamPeer> connectPms(TapProcess& tap, size_t sessions) {
+        auto pms = connectToLoopback(tap.port());
+        EXPECT_TRUE(waitUntil([&] { return pbx.peers.size() >= sessions; })) << tap.diagnostics();
         return pms;
+    }
+    // Sends and hangs up once the bytes are on their way.
+    static void sendAndHangUp(StreamPeer& peer, const QByteArray& bytes) {
+        peer.send(bytes);
+        waitUntil([&] { return peer.sentAll(); });
+        peer.close();
     }
 };
 
 TEST_F(TapHandPlayed, EitherSideHangingUpEndsTheSessionAndTheTapWaitsForTheNext) {
     for (const bool pmsHangsUp : {true, false}) {
         auto tap = startTap();
-        auto pms = connectPms(*tap, pbx.connections.size() + 1);
-        RawSocket& pbxEnd = pbx.last();
+        auto pms = connectPms(*tap, pbx.peers.size() + 1);
+        StreamPeer& pbxEnd = pbx.last();
         pms->send("\x05");
         ASSERT_TRUE(waitUntil([&] { return pbxEnd.received == "\x05"; }));
         pbxEnd.send("\x06");
         ASSERT_TRUE(waitUntil([&] { return pms->received == "\x06"; }));
         if (pmsHangsUp) {
-            pms->send("\x02"
-                      "CHK1   101\x03");
-            pms->socket->disconnectFromHost();
+            sendAndHangUp(*pms, "\x02"
+                                "CHK1   101\x03");
             ASSERT_TRUE(waitUntil([&] { return pbxEnd.hungUp; })) << tap->diagnostics();
             EXPECT_EQ(pbxEnd.received, "\x05\x02"
                                        "CHK1   101\x03");
         } else {
-            pbxEnd.send("\x02"
-                        "STS2   101\x03");
-            pbxEnd.socket->disconnectFromHost();
+            sendAndHangUp(pbxEnd, "\x02"
+                                  "STS2   101\x03");
             ASSERT_TRUE(waitUntil([&] { return pms->hungUp; })) << tap->diagnostics();
             EXPECT_EQ(pms->received, "\x06\x02"
                                      "STS2   101\x03");
@@ -366,7 +270,7 @@ TEST_F(TapHandPlayed, EitherSideHangingUpEndsTheSessionAndTheTapWaitsForTheNext)
                 .size() == 1)
             << tap->diagnostics();
         // The next PMS starts a session of its own.
-        auto next = connectPms(*tap, pbx.connections.size() + 1);
+        auto next = connectPms(*tap, pbx.peers.size() + 1);
         next->send("\x05");
         ASSERT_TRUE(waitUntil([&] { return pbx.last().received == "\x05"; }));
         EXPECT_EQ(tap->stop(SIGTERM), 130) << tap->diagnostics();
@@ -383,7 +287,7 @@ TEST_F(TapHandPlayed, EachEndingSignalGivesTheStatisticsAndItsStatus) {
     } cases[] = {{SIGINT, 130}, {SIGTERM, 130}, {SIGHUP, 129}};
     for (const auto& c : cases) {
         auto tap = startTap();
-        auto pms = connectPms(*tap, pbx.connections.size() + 1);
+        auto pms = connectPms(*tap, pbx.peers.size() + 1);
         pms->send("\x05");
         ASSERT_TRUE(waitUntil([&] { return pbx.last().received == "\x05"; }));
         pbx.last().send("\x06");
@@ -404,16 +308,16 @@ TEST_F(TapHandPlayed, APbxThatCannotBeReachedTurnsThePmsAwayAndASecondPmsWaitsIt
     TapProcess tap(
         {"--listen", "127.0.0.1:0", "--pbx", QStringLiteral("127.0.0.1:%1").arg(nobody)});
     ASSERT_TRUE(tap.start()) << tap.diagnostics();
-    RawPms pms(tap.port());
-    ASSERT_TRUE(waitUntil([&] { return pms.hungUp; })) << tap.diagnostics();
+    auto pms = connectToLoopback(tap.port());
+    ASSERT_TRUE(waitUntil([&] { return pms->hungUp; })) << tap.diagnostics();
     EXPECT_TRUE(tap.waitForLine(QStringLiteral("cannot be reached (Connection refused); the PMS "
                                                "was closed")))
         << tap.diagnostics();
 
     auto relay = startTap();
-    auto first = connectPms(*relay, pbx.connections.size() + 1);
-    RawPms second(relay->port());
-    ASSERT_TRUE(waitUntil([&] { return second.hungUp; })) << relay->diagnostics();
+    auto first = connectPms(*relay, pbx.peers.size() + 1);
+    auto second = connectToLoopback(relay->port());
+    ASSERT_TRUE(waitUntil([&] { return second->hungUp; })) << relay->diagnostics();
     EXPECT_TRUE(relay->waitForLine("was turned away: one PMS at a time"));
     first->send("\x05");
     ASSERT_TRUE(waitUntil([&] { return pbx.last().received == "\x05"; }));
@@ -424,11 +328,11 @@ TEST_F(TapHandPlayed, GarbageAndFloodsCrossUnchangedAndEveryByteIsTraced) {
     auto tap = startTap({"--trace", dir.filePath("trace.txt")}, "/dev/null");
     ASSERT_FALSE(HasFailure());
     auto pms = connectPms(*tap, 1);
-    RawSocket& pbxEnd = pbx.last();
+    StreamPeer& pbxEnd = pbx.last();
     QRandomGenerator random(7);
     QByteArray flood[2];
     for (QByteArray& bytes : flood) {
-        bytes.resize(2 * 1024 * 1024);
+        bytes.resize(64 * 1024);
         for (char& byte : bytes) {
             const char pick[] = {2, 3, 5, 6, 21, 'S', '1', ' '};
             byte = random.bounded(3) == 0 ? char(random.bounded(256)) : pick[random.bounded(8)];
@@ -484,26 +388,26 @@ TEST_F(TapHandPlayed, AReaderOfTheTraceThatStopsNeverHoldsTheRelayUp) {
     tap.sendOutputTo(fifo);
     ASSERT_TRUE(tap.start()) << tap.diagnostics();
     const quint16 port = tap.port();
-    RawPms pms(port);
-    ASSERT_TRUE(waitUntil([&] { return pbx.connections.size() == 1; }));
+    auto pms = connectToLoopback(port);
+    ASSERT_TRUE(waitUntil([&] { return pbx.peers.size() == 1; }));
     // Thousands of bids and answers: far more trace than the FIFO holds.
-    for (int round = 0; round < 20'000; ++round) {
-        pms.send("\x05");
+    for (int round = 0; round < 2'000; ++round) {
+        pms->send("\x05");
         pbx.last().send("\x06");
     }
     ASSERT_TRUE(waitUntil(
-        [&] { return pbx.last().received.size() == 20'000 && pms.received.size() == 20'000; },
+        [&] { return pbx.last().received.size() == 2'000 && pms->received.size() == 2'000; },
         30000));
-    // At the end it traces what it relayed faster than the trace could follow: twenty thousand
-    // exchanges, which take many seconds under the sanitizers.
+    // At the end it traces what it relayed faster than the trace could follow, which takes
+    // seconds under the sanitizers.
     EXPECT_EQ(tap.stop(SIGTERM, 60'000), 130);
     EXPECT_TRUE(tap.standardError().contains("trace lines could not be written to standard output"))
         << tap.standardError().toStdString();
     // The trace file kept up and has it all.
     const QString whole = tap.lines().join(u'\n');
-    EXPECT_EQ(whole.count(QStringLiteral("PMS>PBX <ENQ>")), 20'000);
-    EXPECT_EQ(whole.count(QStringLiteral("PBX>PMS <ACK>")), 20'000);
-    EXPECT_TRUE(whole.contains(QRegularExpression("\nENQ +20000 ")));
+    EXPECT_EQ(whole.count(QStringLiteral("PMS>PBX <ENQ>")), 2'000);
+    EXPECT_EQ(whole.count(QStringLiteral("PBX>PMS <ACK>")), 2'000);
+    EXPECT_TRUE(whole.contains(QRegularExpression("\nENQ +2000 ")));
     ::close(holder);
 }
 
@@ -518,64 +422,18 @@ TEST_F(TapHandPlayed, AScriptOrTraceThatCannotBeWrittenWholeEndsWithStatusFive) 
     };
     for (const auto& c : cases) {
         auto tap = startTap(c.arguments + QStringList{"--once"});
-        auto pms = connectPms(*tap, pbx.connections.size() + 1);
-        RawSocket& pbxEnd = pbx.last();
+        auto pms = connectPms(*tap, pbx.peers.size() + 1);
+        StreamPeer& pbxEnd = pbx.last();
         pms->send("\x02"
                   "CHK1   101\x03");
         ASSERT_TRUE(waitUntil([&] { return pbxEnd.received.size() == 12; }));
         pbxEnd.send("\x06");
         ASSERT_TRUE(waitUntil([&] { return pms->received == "\x06"; }));
         // The relay went on all the same.
-        pms->socket->disconnectFromHost();
+        pms->close();
         EXPECT_EQ(tap->waitForExit(), 5) << tap->diagnostics();
         EXPECT_TRUE(tap->standardError().contains(c.says)) << tap->diagnostics();
     }
-}
-
-// The tap's resident memory in kilobytes.
-long residentKilobytes(qint64 pid) {
-    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return -1;
-}
-
-TEST_F(TapHandPlayed, MemoryStaysFlatOverManyExchanges) {
-#ifdef LARKSPUR_SANITIZE
-    GTEST_SKIP() << "the sanitizers' shadow memory would count in";
-#endif
-    auto tap = startTap({"--trace", dir.filePath("trace.txt")}, "/dev/null");
-    ASSERT_FALSE(HasFailure());
-    auto pms = connectPms(*tap, 1);
-    RawSocket& pbxEnd = pbx.last();
-    // Each round: a bid, its grant, a frame and its ACK, and a status message from the PBX.
-    // In batches, each relayed whole before the next, as a busy hotel's traffic comes.
-    const auto rounds = [&](int count) {
-        for (int batch = 0; batch < count / 500; ++batch) {
-            const qsizetype before = pms->received.size();
-            for (int i = 0; i < 500; ++i) {
-                pms->send(QByteArray("\x05\x02"
-                                     "CHK1 ") +
-                          QByteArray::number(10000 + i) + "\x03");
-                pbxEnd.send("\x06\x06\x02"
-                            "STS2   101\x03");
-            }
-            if (!waitUntil([&] { return pms->received.size() >= before + 500 * 14; }, 60000))
-                return false;
-        }
-        return true;
-    };
-    ASSERT_TRUE(rounds(50'000));
-    waitUntil([] { return false; }, 500);
-    const long settled = residentKilobytes(tap->pid());
-    ASSERT_TRUE(rounds(70'000));
-    waitUntil([] { return false; }, 500);
-    const long after = residentKilobytes(tap->pid());
-    EXPECT_LT(after - settled, 512)
-        << settled << " KB after 50,000 rounds, " << after << " KB after 120,000";
 }
 
 TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
@@ -583,12 +441,12 @@ TEST(TapCommandLine, BadArgumentsAreRefusedWithAUsageLine) {
     process.start(TapProcess::program(), {"--listen", "127.0.0.1:0"});
     ASSERT_TRUE(process.waitForFinished(10000));
     EXPECT_EQ(process.exitCode(), 64);
-    EXPECT_EQ(process.readAllStandardError(),
-              "larkspur-tap: a TCP relay needs --listen and --pbx\n" + tap::tapUsage().toUtf8());
+    EXPECT_TRUE(process.readAllStandardError().startsWith(
+        "larkspur-tap: a TCP relay needs --listen and --pbx\nusage: larkspur-tap "));
     process.start(TapProcess::program(), {"--help"});
     ASSERT_TRUE(process.waitForFinished(10000));
     EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_EQ(process.readAllStandardOutput(), tap::tapHelp().toUtf8());
+    EXPECT_TRUE(process.readAllStandardOutput().startsWith("usage: larkspur-tap "));
 }
 
 TEST(TapCommandLine, APortInUseIsNoLink) {

@@ -3,7 +3,6 @@
 #include "common/qt_printers.h"
 #include "learned_replay.h"
 #include "protocol/readable_notation.h"
-#include "protocol/vmail_frame.h"
 #include "tap_cable.h"
 
 #include <QFile>
@@ -109,16 +108,14 @@ TEST_F(TapOverPtys, TheSerialRelayPassesEverythingAndLearnsTheScript) {
 }
 
 TEST_F(TapOverPtys, AVoiceMailScriptLearnedOnTheSerialRelayReplaysWhole) {
-    const char* const operations[][3] = {
-        {"2", "4001", ""}, {"7", "4001", "4002"}, {"3", "4002", ""}};
-    QByteArray played = "VMAILHIS\r\n";
-    for (const auto& operation : operations) {
-        bool recognized = false;
-        played +=
-            build_vmail_message(operation[0], operation[1], operation[2], Protocol::His, recognized)
-                .toLatin1() +
-            "~\r\n";
-    }
+    // A check-in and a check-out of a mailbox, each frame with its check character.
+    const QByteArray played = "VMAILHIS\r\n"
+                              "\x02"
+                              "24001  \x03"
+                              "4~\r\n"
+                              "\x02"
+                              "34001  \x03"
+                              "5~\r\n";
     PbxSimProcess sim({"--pty", "--mode", "VMAIL"});
     ASSERT_TRUE(sim.start()) << sim.diagnostics().toStdString();
     TapCable cable;
@@ -132,11 +129,14 @@ TEST_F(TapOverPtys, AVoiceMailScriptLearnedOnTheSerialRelayReplaysWhole) {
                    patientFrames);
     ASSERT_TRUE(tap.start()) << tap.diagnostics();
     const QByteArray heard = relay(cable.path(pmsPort), sim, tap, played + ";\r\n");
-    ASSERT_TRUE(waitUntil([&] { return contents(learnedPath).contains("4002  \x03"); }, 10'000))
+    ASSERT_TRUE(waitUntil([&] { return contents(learnedPath).contains("34001  \x03"); }, 10'000))
         << tap.diagnostics();
-    EXPECT_EQ(learnedLines(learnedPath, 3), played);
+    EXPECT_EQ(learnedLines(learnedPath, 2), played);
+    // Ended first: a tap that reopened its PBX port could open the next simulator's pty, which
+    // may get the same number, and read the answers meant for the replay.
+    EXPECT_EQ(tap.stop(SIGTERM), 130) << tap.diagnostics();
     EXPECT_TRUE(heardReplaying(learnedPath, {"--mode", "VMAIL"}, true) == heard);
-    EXPECT_TRUE(outLines().contains("CHECK OUT: 4002  ")) << out.toStdString();
+    EXPECT_TRUE(outLines().contains("CHECK OUT: 4001  ")) << out.toStdString();
 }
 
 TEST_F(TapOverPtys, APbxThatHangsUpEndsTheSessionAndThePortsAreOpenedAgain) {

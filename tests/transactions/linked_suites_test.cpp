@@ -1,5 +1,4 @@
 #include "common/session_fixture.h"
-#include "protocol/message_catalogue.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
@@ -10,8 +9,9 @@ namespace {
 
 class LinkedSuites : public SessionFixture {
 protected:
-    // What the log and the error report say of a linked-suite message: the catalogue's.
-    const HotelMessage& suite = hotelMessage("STE");
+    // What the log and the error report say of a linked-suite message.
+    const QString logPrefix = "Sending    -->";
+    const QString failureSentence = "-> PBX DID NOT ACKnowkledge the link suite message:";
 };
 
 TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
@@ -39,8 +39,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
             type({{roomFields[i], c.fields[i + 1]}});
         session.press(c.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(c.body.toLatin1())}));
-        const QStringList log =
-            grantedBid() + QStringList{suite.logPrefix + c.body, "Received--> ACK"};
+        const QStringList log = grantedBid() + QStringList{logPrefix + c.body, "Received--> ACK"};
         EXPECT_EQ(lines(), log);
         EXPECT_EQ(session.recorder().scriptText(), c.body + "\r\n");
     }
@@ -72,9 +71,9 @@ TEST_F(LinkedSuites, FiveSilentAttemptsCountOneError) {
     pbx.options.onFrame = Answer::Silent;
     click({{txt_ls_pilot, "101"}, {txt_suite_1, "102"}}, Control::cmd_ste4);
     const QString body = "STE4   101   102";
-    const QString sentence = suite.failureSentence;
-    const QStringList log = grantedBid() + QStringList(5, suite.logPrefix + body) +
-                            QStringList{stamp() + sentence, body};
+    const QString sentence = failureSentence;
+    const QStringList log =
+        grantedBid() + QStringList(5, logPrefix + body) + QStringList{stamp() + sentence, body};
     EXPECT_EQ(lines(), log);
     EXPECT_EQ(session.errors().errorReport(), stamp() + sentence + "\n" + body + "\n\n");
     EXPECT_EQ(session.errors().errorCount(), 1);

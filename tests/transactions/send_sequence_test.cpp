@@ -30,7 +30,7 @@ TEST_F(SendSequence, AcknowledgedAtOnce) {
     EXPECT_EQ(send(checkOut, "CHK0   101", attempt), SendResult::Acknowledged);
     EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame("CHK0   101")}));
     EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK",
-                                    checkOut.logPrefix + "CHK0   101", "Received--> ACK"}));
+                                    "Sending   -->CHK0   101", "Received--> ACK"}));
     EXPECT_EQ(errors.errorCount(), 0);
     EXPECT_EQ(attempt, 1);
 }
@@ -44,8 +44,9 @@ TEST_F(SendSequence, FrameNakedWithPollTakesAboutFiveSecondsAnAttempt) {
     EXPECT_NEAR(pump.elapsedMs(), 100 + 5 * 5100, 200);
     const QString s = stamp();
     EXPECT_EQ(lines().mid(lines().size() - 2),
-              QStringList({s + checkIn.failureSentence, "CHK1   101"}));
-    EXPECT_EQ(errors.errorReport(), s + checkIn.failureSentence + "\nCHK1   101\n\n");
+              QStringList({s + "-> PBX DID NOT ACKnowkledge the Check in message:", "CHK1   101"}));
+    EXPECT_EQ(errors.errorReport(),
+              s + "-> PBX DID NOT ACKnowkledge the Check in message:" + "\nCHK1   101\n\n");
     EXPECT_EQ(errors.errorCount(), 1);
 }
 
@@ -111,7 +112,9 @@ TEST_F(SendSequence, VmailFrameJudgedAfterTwoSeconds) {
         tcpPbx.setMode(sim::Mode::Vmail);
         tcpPbx.options.onFrame = c.answer;
         const qint64 start = pump.elapsedMs();
-        const QString f = link.build_vmail_message("3", "4001", "");
+        const QString f = "\x02"
+                          "34001  \x03"
+                          "5";
         const bool acked =
             sendVmailFrame(link, f, c.after.first(), c.logSuccess) == SendResult::Acknowledged;
         EXPECT_EQ(acked, c.answer == Answer::Ack);

@@ -13,27 +13,7 @@ protected:
     void SetUp() override {} // starts closed
 };
 
-TEST_F(Connection, TcpHotel) {
-    QSignalSpy connected(&link, &Link::connected);
-    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
-    EXPECT_EQ(tcp.calls, QStringList{"connect 127.0.0.1:15374"});
-    EXPECT_EQ(tcp.written, QList<QByteArray>{ENQ});
-    EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK", "Connected..."}));
-    EXPECT_EQ(connected.count(), 1);
-}
-
-TEST_F(Connection, TcpVmailSendsCodeOneFrame) {
-    link.setMode(PmsMode::Vmail, link.protocolType());
-    tcpPbx.setMode(sim::Mode::Vmail);
-    link.setMode(link.pmsMode(), Protocol::His);
-    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::Connected);
-    EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray("\x02"
-                                                        "1\x03"
-                                                        "2")});
-    EXPECT_EQ(lines(), QStringList({"Connecting...", "12", "PBX ACKed", "Connected..."}))
-        << "the frame is logged without its control characters, check character included";
-}
-
+// Connecting over TCP in either mode is the end-to-end test's.
 TEST_F(Connection, SerialVmailLogsConnectingOnce) {
     useSerial();
     link.setMode(PmsMode::Vmail, link.protocolType());
@@ -78,22 +58,28 @@ TEST_F(Connection, SerialConnectTwiceDoesNotReopen) {
               QStringList({"options 1200,N,8,2", "open /dev/ttyS0", "options 1200,N,8,2"}));
 }
 
-TEST_F(Connection, SerialWithoutPortAsksForOne) {
-    useSerial();
-    link.settings().commPortNumber.clear();
-    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
-    EXPECT_EQ(op.notices, QStringList{"specify port"});
-    EXPECT_TRUE(serial.calls.isEmpty());
-    EXPECT_TRUE(log.logText().isEmpty());
-}
-
-TEST_F(Connection, RefusedPortIsNamedAndLeavesTheConsoleDisconnected) {
-    useSerial();
-    serial.refusal = "Permission denied";
-    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
-    EXPECT_EQ(op.notices, QStringList{"Cannot open serial port /dev/ttyS0: Permission denied"});
-    EXPECT_FALSE(link.isOpen());
-    EXPECT_TRUE(log.logText().isEmpty());
+TEST_F(Connection, WhatCannotBeOpenedIsANoticeAndNoLog) {
+    const struct {
+        bool tcp;
+        const char* port; // TCP: its port number; serial: its device
+        const char* refusal;
+        const char* notice;
+    } cases[] = {
+        {false, "", "", "specify port"},
+        {false, "1", "Permission denied", "Cannot open serial port /dev/ttyS0: Permission denied"},
+        {true, "70000", "", "TCP port \"70000\" is not a port number from 1 to 65535"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.notice);
+        link.settings().useTcp = c.tcp;
+        (c.tcp ? link.settings().telnetPort : link.settings().commPortNumber) = c.port;
+        serial.refusal = c.refusal;
+        op.notices.clear();
+        EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
+        EXPECT_EQ(op.notices, QStringList{c.notice});
+        EXPECT_FALSE(link.isOpen());
+        EXPECT_TRUE(log.logText().isEmpty());
+    }
 }
 
 TEST_F(Connection, TcpLoopWaitsForThePbxOnceASecond) {
@@ -127,13 +113,6 @@ TEST_F(Connection, ConnectLimitUnderASecondIsHonoured) {
     EXPECT_EQ(link.cmd_connect(0.3), Link::ConnectResult::NotOpened);
     EXPECT_GE(pump.elapsedMs(), 300);
     EXPECT_LT(pump.elapsedMs(), 400);
-}
-
-TEST_F(Connection, BadTcpPortIsANotice) {
-    link.settings().telnetPort = "70000";
-    EXPECT_EQ(link.cmd_connect(), Link::ConnectResult::NotOpened);
-    ASSERT_EQ(op.notices.size(), 1);
-    EXPECT_TRUE(op.notices[0].contains("70000"));
 }
 
 TEST_F(Connection, DisconnectClosesTheActiveLink) {

@@ -42,12 +42,6 @@ TEST_F(Exchange, SilentPbxCostsFiveTimesFiveSecondsPerEnqStage) {
     EXPECT_LE(pump.elapsedMs(), 5 * 5100);
 }
 
-TEST_F(Exchange, EnqAckedAtFirstAttempt) {
-    EXPECT_FALSE(send_enq(link).ackFailed());
-    EXPECT_EQ(tcp.written, QList<QByteArray>{ENQ});
-    EXPECT_EQ(lines(), QStringList({"Sending -->    ENQ", "Received--> ACK"}));
-}
-
 TEST_F(Exchange, SendEnqDoesNothingWhileWaiting) {
     tcpPbx.options.onEnq = Answer::Silent;
     const Link::WaitGuard busy(link);
@@ -151,8 +145,7 @@ TEST_F(Exchange, ConnectionTestAgainstARefusingPbxSendsTenEnqs) {
 TEST_F(Exchange, SendTextDropsTextWhileClosed) {
     useSerial();
     serial.close();
-    link.send_text("\x02"
-                   "CHK1   101\x03");
+    link.send_text("\002CHK1   101\x03");
     EXPECT_TRUE(serial.written.isEmpty());
     EXPECT_TRUE(tcp.written.isEmpty());
     EXPECT_TRUE(log.logText().isEmpty());

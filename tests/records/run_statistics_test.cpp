@@ -41,13 +41,13 @@ TEST(RunStatistics, MinimumMedianAndMaximumOfTheAnswerTimes) {
     }
 }
 
-TEST(RunStatistics, AMillionAnswersKeepOneEntryPerDistinctTime) {
+TEST(RunStatistics, ManyAnswersKeepOneEntryPerDistinctTime) {
     RunStatistics statistics;
-    for (int i = 0; i < 1'000'000; ++i)
+    for (int i = 0; i < 1000; ++i)
         statistics.add(answered("ENQ", i % 4));
     const RunStatistics::Row row = statistics.rows().value("ENQ");
     EXPECT_EQ(row.answerMs.size(), 4);
-    EXPECT_EQ(row.answered, 1'000'000);
+    EXPECT_EQ(row.answered, 1000);
     EXPECT_EQ(row.medianMs(), 2);
 }
 

@@ -62,23 +62,6 @@ TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
     EXPECT_EQ(stats.rows().value("ENQ").minMs(), -1);
 }
 
-TEST_F(WireTraceTest, VoiceMailCheckCharacterIsJudged) {
-    link.setMode(PmsMode::Vmail, link.protocolType());
-    link.setMode(link.pmsMode(), Protocol::His);
-    tcpPbx.setMode(sim::Mode::Vmail);
-    sendVmailFrame(link, link.build_vmail_message("2", "4001", ""), "CHECK IN: 4001", false);
-    tcp.deliver(QByteArray("\x02"
-                           "54001  \x03") +
-                char(0x7F));
-    pump.processEvents();
-    const QStringList r = rows();
-    ASSERT_EQ(r.size(), 3);
-    EXPECT_TRUE(r[0].endsWith("; check character right")) << r[0].toStdString();
-    EXPECT_TRUE(r[1].endsWith("; frame ACKed in 21 ms")) << r[1].toStdString();
-    EXPECT_TRUE(r[2].endsWith("; check character wrong")) << r[2].toStdString();
-    EXPECT_EQ(stats.rows().value("voice mail 2 check-in").acknowledged, 1);
-}
-
 TEST(WireTraceRing, KeepsTheNewestRows) {
     VirtualEventPump pump(QDateTime(QDate(2026, 1, 1), QTime(1, 2, 3, 4)));
     WireTrace trace(pump, 3);
@@ -113,16 +96,12 @@ TEST(WireTraceTypes, NamesMessages) {
         bool vmail;
         const char* type;
     } cases[] = {
-        {"\x02"
-         "CHK1   101\x03",
-         false, "check-in"},
+        {"\002CHK1   101\x03", false, "check-in"},
         {"\x02WKP0730  101\x03", false, "wake-up"},
         {"\x02RST2    12\x03", false, "restriction"},
         {"\x02MW 0   101\x03", false, "message waiting off"},
         {"\x02XYZW\x03", false, "unknown message"},
-        {"\x02"
-         "A4001  1234  \x03x",
-         true, "voice mail A check-in with passcode"},
+        {"\002A4001  1234  \x03x", true, "voice mail A check-in with passcode"},
     };
     for (auto& c : cases)
         EXPECT_EQ(frameName(c.frame, Side::Pms, c.vmail ? PmsMode::Vmail : PmsMode::Hotel).type,

@@ -60,11 +60,16 @@ TEST(PbxSession, AnswersInTurnAndAfterTheirDelay) {
         {{"--on-enq", "nak,silent,ack"},
          {"<ENQ>", "<ENQ>", "<ENQ>", "<ENQ>"},
          {"0 <NAK>", "200 <ACK>", "300 <ACK>"}},
+        // A later option replaces the whole list.
+        {{"--on-enq", "nak,ack", "--on-enq", "silent"}, {"<ENQ>", "<ENQ>"}, {}},
         // Frames and ENQs keep separate turns.
         {{"--on-frame", "nak,ack", "--on-enq", "silent,nak"},
          {"<ENQ>", "<STX>A<ETX>", "<STX>A<ETX><ENQ>", "<STX>A<ETX>"},
          {"100 <NAK>", "200 <ACK>", "200 <NAK>", "300 <ACK>"}},
         {{"--answer-delay", "0.02"}, {"<ENQ>", "<STX>A<ETX>"}, {"20 <ACK>", "120 <ACK>"}},
+        // A frame in pieces is answered once whole.
+        {{}, {"<STX>A", "<ETX><ENQ>"}, {"100 <ACK>", "100 <ACK>"}},
+        {{"--mode", "VMAIL"}, {"<STX>1<ETX>", "2"}, {"100 <ACK>"}},
         // A follow-up counts from the answer, so it never overtakes it.
         {{"--answer-delay", "0.02", "--after", "A", "0", "B"},
          {"<STX>A<ETX>"},

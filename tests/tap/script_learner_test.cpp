@@ -1,7 +1,6 @@
 // The script the tap learns from what the PMS did: the recorder's lines for every transaction
 // the PBX acknowledged, and the waits with digits long enough to meet them again.
 #include "common/qt_printers.h"
-#include "protocol/frame.h"
 #include "tap_analysis.h"
 
 #include <gtest/gtest.h>
@@ -87,13 +86,8 @@ TEST(ScriptLearner, VoiceMailFramesAsTheRecorderWritesThem) {
         tap.send(402, pbx, "<ACK>");
         tap.send(500, pbx, "<STX>4  40010201<ETX><BCC>"); // no waits in voice-mail scripts
         tap.run();
-        EXPECT_EQ(tap.learned, QStringList({"VMAIL" + protocolName(protocol),
-                                            "\x02"
-                                            "24001  \x03"
-                                            "4~",
-                                            "\x02"
-                                            "B4001  5555  \x03" +
-                                                CRC("B4001  5555  \x03") + "~"}));
+        EXPECT_EQ(tap.learned, QStringList({"VMAIL" + protocolName(protocol), "\00224001  \0034~",
+                                            "\002B4001  5555  \003D~"}));
         EXPECT_EQ(tap.learner->learned(), 2);
         EXPECT_EQ(tap.learner->passedOver(), 2);
     }

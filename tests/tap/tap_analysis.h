@@ -18,9 +18,7 @@ struct TapSetup {
     bool learn = false;
     bool waits = false;
     qsizetype capacity = TraceBacklog::defaultCapacity;
-    int frameGapMs = 100;
     bool monitor = false;
-    bool splitJoined = false;
 };
 
 // The tap's analysis in virtual time, fed through its backlog as the relay feeds it: what each
@@ -34,16 +32,13 @@ public:
                                     [this](const QString& line, int) { learned << line; })
                               : nullptr),
           analysis(
-              pump, {setup.mode, setup.frameGapMs, setup.monitor, setup.splitJoined},
+              pump, {setup.mode, 100, setup.monitor},
               [this](const QString& line) { lines << line.mid(11); }, statistics, learner.get()),
           backlog(
               pump, [this](const TraceEntry& entry) { analysis.take(entry); }, setup.capacity) {}
 
     void send(qint64 atMs, Side from, const QString& readable) {
         const QByteArray bytes = parseReadable(readable, nullptr);
-        sendBytes(atMs, from, bytes);
-    }
-    void sendBytes(qint64 atMs, Side from, const QByteArray& bytes) {
         pump.schedule(atMs - pump.elapsedMs(),
                       [this, from, bytes] { backlog.passed(from, bytes); });
     }

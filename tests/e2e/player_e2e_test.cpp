@@ -2,7 +2,6 @@
 #include "common/player_fixture.h"
 #include "protocol/readable_notation.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -126,6 +125,12 @@ TEST_F(Player, TheStatusFailsWithEveryFailedCaseWhileTheEndNoticeCountsTransacti
          1,
          completed,
          "tests=\"2\" failures=\"1\""},
+        {"a command that sends nothing for an invalid field",
+         "CHK1   101\r\nWKP0799  101\r\n;\r\n",
+         {},
+         1,
+         completed,
+         "tests=\"2\" failures=\"1\""},
         {"a refused check-out and a wait that times out",
          "CHK0   101\r\nWAIT STS2   101 1\r\n;\r\n",
          {"--on-frame", "nak"},
@@ -146,36 +151,6 @@ TEST_F(Player, TheStatusFailsWithEveryFailedCaseWhileTheEndNoticeCountsTransacti
         const QByteArray xml = report.readAll();
         EXPECT_TRUE(xml.contains(c.junitCounts)) << xml.toStdString();
     }
-}
-
-TEST_F(Player, UnreachablePortExitsTwoWithinTheTimeout) {
-    QElapsedTimer clock;
-    clock.start();
-    start({"--tcp", "127.0.0.1:1", "--connect-timeout", "2", script("CHK1   101\r\n;\r\n")});
-    EXPECT_EQ(finish(30'000), 2);
-    EXPECT_LT(clock.elapsed(), 15'000);
-    EXPECT_TRUE(err.contains("no connection to 127.0.0.1:1")) << err.toStdString();
-}
-
-TEST_F(Player, StopExitsThree) {
-    PbxSimProcess sim;
-    ASSERT_TRUE(sim.start());
-    start({"--tcp", tcp(sim), script("STOP\r\n;\r\n")});
-    EXPECT_EQ(finish(), 3);
-    EXPECT_TRUE(errLines().contains("larkspur-run: Command: STOP"));
-    EXPECT_TRUE(outLines().contains("Script file error! Unrecognized command"));
-}
-
-TEST_F(Player, InterruptCancelsTheScript) {
-    PbxSimProcess sim;
-    ASSERT_TRUE(sim.start());
-    start({"--tcp", tcp(sim), script("WAIT STS1   101 0\r\nCHK1   101\r\n;\r\n")});
-    ASSERT_TRUE(waitUntil([this] { return out.contains("waiting for --> sts1"); }, 20'000))
-        << out.toStdString();
-    ::kill(pid_t(run.processId()), SIGINT);
-    EXPECT_EQ(finish(20'000), 130);
-    EXPECT_TRUE(outLines().contains("Script cancelled...")) << out.toStdString();
-    EXPECT_FALSE(out.contains("CHK1   101")) << "nothing plays after the interrupt";
 }
 
 // The rows of a --trace file as "TX <readable>" / "RX <readable>", with each row's note in

@@ -108,6 +108,10 @@ TEST_F(Lasting, OneSignalEndsAnyWaitAndTheReportsAreWritten) {
         ::kill(pid_t(run.processId()), c.signal);
         // Without a wait that ends at once, the check-out would take its 25 s of retries.
         EXPECT_EQ(finish(10'000), c.status) << err.toStdString();
+        if (c.signal == SIGINT) {
+            EXPECT_TRUE(outLines().contains("Script cancelled...")) << out.toStdString();
+            EXPECT_FALSE(out.contains("CHK1   101")) << "nothing plays after the interrupt";
+        }
         EXPECT_TRUE(QFile::exists(junit));
         EXPECT_TRUE(QFile(log).size() > 0);
         EXPECT_TRUE(QFile::exists(errors));

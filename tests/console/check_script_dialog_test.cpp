@@ -54,7 +54,6 @@ TEST_F(CheckScriptTest, ShowsTheRowsAndMarksThoseWithWarnings) {
               QStringList({"line 1: note", "line 5: warning", "line 6: stop", "line 7: warning"}));
     EXPECT_TRUE(summary().contains("2 warning(s); the run stops as unrecognised"))
         << summary().toStdString();
-
     // The guide's picture of the dialog.
     if (const QString folder = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR"); !folder.isEmpty()) {
         dialog->resize(1100, 460);
@@ -84,7 +83,6 @@ TEST_F(CheckScriptTest, ItsRunButtonFollowsRunScriptAndRunsTheCheckedScript) {
     EXPECT_FALSE(run->isEnabled()) << "not connected: Run Script is disabled too";
     press("cmd_connect");
     EXPECT_TRUE(run->isEnabled());
-
     // Another script runs from the window: the open dialog's button goes dead with Run Script,
     // and a press on it starts nothing inside the running script.
     bool enabledDuringRun = true;
@@ -98,7 +96,6 @@ TEST_F(CheckScriptTest, ItsRunButtonFollowsRunScriptAndRunsTheCheckedScript) {
     EXPECT_FALSE(enabledDuringRun);
     EXPECT_FALSE(tcp.written.contains(checkIn));
     EXPECT_TRUE(run->isEnabled()) << "the run is over";
-
     dialog = openCheck(checked);
     tcp.written.clear();
     pressEnterIn(dialog);
@@ -110,7 +107,6 @@ TEST_F(CheckScriptTest, ItsRunButtonFollowsRunScriptAndRunsTheCheckedScript) {
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_TRUE(tcp.written.contains(checkIn));
     EXPECT_EQ(op.notices, QStringList{"Script file completed"});
-
     press("cmd_disconnect");
     EXPECT_FALSE(run->isEnabled()) << "disconnected, as Run Script";
 }

@@ -39,7 +39,6 @@ struct ConsoleRig {
     Session& session = console.session;
     QTemporaryDir dir;
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
-
     MainWindow& window() {
         if (!m_window) {
             m_window = std::make_unique<MainWindow>(console, settings);

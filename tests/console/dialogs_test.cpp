@@ -26,7 +26,6 @@ namespace {
 class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
     LinkSettings& settings = session.link().settings();
-
     template <typename T> T* in(QWidget& dialog, const char* name) {
         T* w = dialog.findChild<T*>(QLatin1String(name));
         EXPECT_TRUE(w) << name;
@@ -49,11 +48,9 @@ TEST_F(ConnectionDialogs, CommPortOffersTheSerialChoicesAndOnlyOkChoosesTheSeria
     click(dialog, "cmdCancel");
     EXPECT_TRUE(settings.useTcp);
     EXPECT_EQ(settings.commPortNumber, "1");
-
     dialog.load();
     click(dialog, "cmdOK");
     EXPECT_FALSE(settings.useTcp) << "OK chooses the serial link even with nothing changed";
-
     dialog.load();
     port->setCurrentText("/dev/pts/3");
     in<QComboBox>(dialog, "cmb_speed")->setCurrentText("9600");
@@ -124,7 +121,6 @@ TEST(FileDialogs, ANameWithoutExtensionGetsTheFiltersAndTheNextDialogOpensInItsF
     };
     typeIntoNextDialog(dir.filePath("session1"));
     EXPECT_EQ(op.chooseFileToSave(logFileFilter), dir.filePath("session1.log"));
-
     const struct {
         QString filter;
         const char* typed;
@@ -139,7 +135,6 @@ TEST(FileDialogs, ANameWithoutExtensionGetsTheFiltersAndTheNextDialogOpensInItsF
         EXPECT_EQ(op.chooseFileToSave(c.filter), dir.filePath(c.saved)) << c.typed;
         EXPECT_EQ(openedIn, dir.path()) << "where the last file was saved";
     }
-
     // An open dialog starts where the last file was saved, and the next save where that was
     // opened.
     ASSERT_TRUE(QDir(dir.path()).mkdir("older"));

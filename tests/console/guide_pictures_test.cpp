@@ -41,7 +41,6 @@ public:
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
     std::unique_ptr<DryRunAssembly> console;
     std::unique_ptr<MainWindow> window;
-
     // The window over the simulator started with `pbx`.
     void open(const QStringList& pbx, QSize size = QSize(1280, 800)) {
         const sim::ParsedArguments parsed = sim::parseSimArguments(pbx);
@@ -158,7 +157,6 @@ TEST_F(GuidePictures, TheDialogsAsTheGuideShowsThem) {
     EXPECT_EQ(statistics->findChild<QTableWidget*>("runStatisticsTable")->item(0, 0)->text(),
               "ENQ");
     save(statistics, "images/run-statistics.png");
-
     TelnetDialog telnet(console->session, window.get());
     telnet.load();
     telnet.show();

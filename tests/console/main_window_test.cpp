@@ -29,8 +29,10 @@ TEST_F(MainWindowTest, EveryControlIsThereAndShowsTheControlRulesAsTheStateMoves
     EXPECT_EQ(window().objectName(), "PMS_FORM");
     pbxAcknowledges();
     // Hotel twice: Qt ticks and unticks a checkable entry by itself; the ticks stay the rules'.
-    for (const char* step : {"", "mnuVoiceMail", "mnuHotel", "mnuHotel", "chk_manual",
-                             "cmd_connect", "cmd_disconnect"}) {
+    // The boxes keep their ticks while the modes hide and show them again.
+    for (const char* step :
+         {"", "chk_DTREnabled", "chk_NullDiscard", "Continuous", "chk_error", "chk_manual",
+          "mnuVoiceMail", "mnuHotel", "mnuHotel", "cmd_connect", "cmd_disconnect"}) {
         SCOPED_TRACE(step);
         if (*step)
             press(step);
@@ -56,6 +58,7 @@ TEST_F(MainWindowTest, EveryControlIsThereAndShowsTheControlRulesAsTheStateMoves
                 << name << ": " << spoken.toStdString();
         }
     }
+    EXPECT_TRUE(session.link().settings().dtrEnabled);
     // Captions on each kind, with the leading blanks and mnemonics the operators know.
     const std::pair<const char*, const char*> captions[] = {
         {"Credit_label", "    Credit"},
@@ -141,7 +144,6 @@ TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
     auto* warning = find<QLabel>("lbl_link_warning");
     EXPECT_EQ(status->text(), "TCP 127.0.0.1:15374 lost: closed by the PBX");
     EXPECT_TRUE(find<QAbstractButton>("cmd_connect")->isEnabled());
-
     // A restriction chosen now reaches nobody, and the status bar says so beside the loss.
     type("txt_suite_1", "101");
     tcp.written.clear();
@@ -149,7 +151,6 @@ TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {
     EXPECT_TRUE(tcp.written.isEmpty());
     EXPECT_EQ(warning->text(), "\u2014 Nothing was sent: the link is down");
     EXPECT_EQ(status->text(), "TCP 127.0.0.1:15374 lost: closed by the PBX");
-
     press("cmd_connect");
     EXPECT_EQ(status->text(), "TCP 127.0.0.1:15374 connected");
     EXPECT_EQ(warning->text(), "");
@@ -199,7 +200,6 @@ TEST_F(MainWindowTest, TheOperatorSharesTheWidthBetweenControlsAndLogAndItIsReme
     EXPECT_GE(log->width(), before + 250);
     EXPECT_GE(log->width(), 500) << "room for a whole line of the log";
     const int chosen = log->width();
-
     closeWindow();
     window().resize(1024, 700);
     QCoreApplication::processEvents();
@@ -221,7 +221,6 @@ TEST_F(MainWindowTest, ButtonsAndListsReachTheSessionAndAWheelWithoutTheFocusCho
     tcp.written.clear();
     press("cmd_ack");
     EXPECT_EQ(tcp.written, QList<QByteArray>{QByteArray(1, 6)});
-
     QApplication::setActiveWindow(&window());
     const auto turnWheel = [](QWidget* list) {
         const QPointF at(list->width() / 2.0, list->height() / 2.0);
@@ -241,7 +240,6 @@ TEST_F(MainWindowTest, ButtonsAndListsReachTheSessionAndAWheelWithoutTheFocusCho
         EXPECT_FALSE(list->hasFocus()) << name;
         EXPECT_EQ(list->currentIndex(), -1) << name;
         EXPECT_EQ(session.log().logText(), before) << name;
-
         list->setFocus();
         turnWheel(list);
         EXPECT_EQ(list->currentIndex(), 0) << "with the focus the wheel chooses: " << name;
@@ -253,19 +251,6 @@ TEST_F(MainWindowTest, ButtonsAndListsReachTheSessionAndAWheelWithoutTheFocusCho
     EXPECT_EQ(restrict->currentText(), "long distant call");
     EXPECT_TRUE(tcp.written.contains(QByteArray("\x02"
                                                 "RST2   101\x03")));
-}
-
-TEST_F(MainWindowTest, CheckBoxesSetTheirOptionsAndKeepTheirTicksThroughTheModes) {
-    for (const char* box : {"chk_DTREnabled", "chk_NullDiscard", "Continuous", "chk_error"})
-        press(box);
-    EXPECT_TRUE(session.link().settings().dtrEnabled);
-    EXPECT_FALSE(session.link().settings().rtsEnabled);
-    EXPECT_TRUE(session.link().settings().nullDiscard);
-    EXPECT_TRUE(session.state().continuous);
-    EXPECT_TRUE(session.state().errorMode);
-    press("mnuVoiceMail");
-    press("mnuHotel");
-    EXPECT_TRUE(find<QAbstractButton>("chk_DTREnabled")->isChecked());
 }
 
 TEST_F(MainWindowTest, ClosingDuringAWaitEndsTheWaitThenCloses) {
@@ -283,7 +268,6 @@ TEST_F(MainWindowTest, ClosingDuringAWaitEndsTheWaitThenCloses) {
     EXPECT_EQ(settings.value("Startup/PMSMode").toString(), "VMAIL");
     EXPECT_EQ(settings.value("Startup/Speed").toString(), "9600");
     EXPECT_EQ(settings.value("Startup/ConnectionType").toString(), "Telnet");
-
     const qint64 before = pump.elapsedMs();
     press("cmd_connect");
     EXPECT_EQ(pump.elapsedMs(), before) << "nothing starts once the window has closed";

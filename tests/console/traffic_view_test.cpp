@@ -55,7 +55,6 @@ class TrafficViewTest : public ::testing::Test {
 protected:
     TrafficView view;
     TrafficLog log;
-
     void SetUp() override {
         view.resize(600, 300);
         view.show();
@@ -73,7 +72,6 @@ TEST_F(TrafficViewTest, ManyLinesAreAllThereWithTheNewestInViewAndArriveUnasked)
     EXPECT_EQ(view.model()->index(count - 1, 0).data().toString(), "Received--> STS1   999");
     EXPECT_GT(view.verticalScrollBar()->maximum(), 0);
     EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
-
     view.clear();
     EXPECT_EQ(view.model()->rowCount(), 0);
     log.logLine(QStringLiteral("after clear"));

@@ -40,7 +40,6 @@ TEST_F(ConnectionDialogs, CommPortOffersTheSerialChoicesAndOnlyOkChoosesTheSeria
     auto* port = in<QComboBox>(dialog, "cmb_port");
     EXPECT_EQ(port->itemText(1), "2");
     EXPECT_TRUE(port->isEditable());
-    EXPECT_EQ(in<QComboBox>(dialog, "cmb_parity")->count(), 5);
     EXPECT_EQ(in<QComboBox>(dialog, "cmb_handshake")->itemText(3), "comRTSXOnXOff");
     EXPECT_EQ(in<QComboBox>(dialog, "cmb_speed")->currentText(), "1200");
     EXPECT_EQ(in<QComboBox>(dialog, "cmb_stopbit")->currentText(), "2");

@@ -99,21 +99,15 @@ TEST_F(MainWindowTest, StoredSettingsChooseMenusLabelsAndStatus) {
     EXPECT_EQ(find<QLabel>("lbl_mode_status")->text(), "VMAIL mode, HIS protocol");
 }
 
-TEST_F(MainWindowTest, FieldsGoBothWaysWithinTheirLength) {
-    type("txt_suite_1", "101");
-    EXPECT_EQ(session.fields().text(Field::txt_suite_1), "101");
-    session.fields().setText(Field::txt_suite_1, "10");
-    EXPECT_EQ(find<QLineEdit>("txt_suite_1")->text(), "10") << "the engine's cut shows";
-    type("Text1", QString(30, u'N'));
-    EXPECT_EQ(session.fields().text(Field::Text1), QString(25, u'N'));
-    type("txt_location", "ABCDEFGHIJKL");
-    EXPECT_EQ(session.fields().text(Field::txt_location), "ABCDEFGHIJ");
-}
-
-TEST_F(MainWindowTest, FieldsSetWithoutTypingReachTheSession) {
+TEST_F(MainWindowTest, FieldsGoBothWaysHoweverTheyAreSetAndWithinTheirLength) {
     connectToPbx();
     auto* suite = find<QLineEdit>("txt_suite_1");
     const std::pair<const char*, std::function<void(const QString&)>> ways[] = {
+        {"typing",
+         [&](const QString& t) {
+             suite->clear();
+             QTest::keyClicks(suite, t);
+         }},
         {"assistive technology",
          [&](const QString& t) {
              QAccessible::queryAccessibleInterface(suite)->setText(QAccessible::Value, t);
@@ -134,6 +128,12 @@ TEST_F(MainWindowTest, FieldsSetWithoutTypingReachTheSession) {
                                          "\x03"))
             << how;
     }
+    session.fields().setText(Field::txt_suite_1, "10");
+    EXPECT_EQ(suite->text(), "10") << "the engine's cut shows";
+    type("Text1", QString(30, u'N'));
+    EXPECT_EQ(session.fields().text(Field::Text1), QString(25, u'N'));
+    type("txt_location", "ABCDEFGHIJKL");
+    EXPECT_EQ(session.fields().text(Field::txt_location), "ABCDEFGHIJ");
 }
 
 TEST_F(MainWindowTest, LostLinkShowsAndLeavesTheConsoleReadyToConnectAgain) {

@@ -5,10 +5,15 @@
 #include "console/main_window.h"
 #include "core/virtual_event_pump.h"
 #include "doubles/fake_transport.h"
-#include "script/script_engine.h"
-#include "transactions/session.h"
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -23,6 +28,8 @@ namespace larkspur::test {
 
 // The window over a session in virtual time, with fake transports and settings in a file of
 // its own. The window opens on the first call of window(), so a test can store settings first.
+// Not a FakeSession: the assembly makes its own session, and two sessions on one transport
+// would race for its reads.
 struct ConsoleRig {
     VirtualEventPump pump;
     RecordingOperator op;
@@ -30,10 +37,8 @@ struct ConsoleRig {
     FakeTransport serial{pump, QStringLiteral("serial fake")};
     Assembly console{pump, op, tcp, serial, 100'000};
     Session& session = console.session;
-    ScriptEngine& engine = console.engine;
     QTemporaryDir dir;
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
-
     MainWindow& window() {
         if (!m_window) {
             m_window = std::make_unique<MainWindow>(console, settings);
@@ -46,12 +51,26 @@ struct ConsoleRig {
         EXPECT_TRUE(object) << objectName.toStdString();
         return object;
     }
-    // The PBX acknowledges everything at once.
+    // Clicks the button or triggers the menu entry `name`.
+    void press(const QString& name) {
+        QObject* o = find<QObject>(name);
+        if (auto* action = qobject_cast<QAction*>(o))
+            action->trigger();
+        else if (auto* button = qobject_cast<QAbstractButton*>(o))
+            button->click();
+    }
+    void type(const QString& field, const QString& text) {
+        QTest::keyClicks(find<QWidget>(field), text);
+    }
+    // The PBX acknowledges everything 10 ms after it is written.
     void pbxAcknowledges() {
         tcp.onWrite = [this](const QByteArray&) { tcp.deliver(QByteArray(1, 6), 10); };
     }
-
-    // Closes the window and forgets it: the next window() opens a new one on the same settings.
+    void connectToPbx() {
+        pbxAcknowledges();
+        press(QStringLiteral("cmd_connect"));
+    }
+    // The next window() opens a new window on the same settings.
     void closeWindow() {
         window().close();
         m_window.reset();

@@ -1,15 +1,10 @@
 #include "common/fake_session.h"
-#include "common/recording_operator.h"
 #include "console/comm_port_dialog.h"
 #include "console/ip_control.h"
 #include "console/log_commands.h"
 #include "console/telnet_dialog.h"
 #include "console/widget_operator.h"
-#include "core/virtual_event_pump.h"
-#include "doubles/fake_transport.h"
 #include "script/script_engine.h"
-#include "transactions/control_rules.h"
-#include "transactions/session.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -31,10 +26,6 @@ namespace {
 class ConnectionDialogs : public ::testing::Test, protected FakeSession {
 protected:
     LinkSettings& settings = session.link().settings();
-
-    bool ticked(const char* menu) {
-        return controlStates(session.state())[size_t(*controlNamed(menu))].checked;
-    }
     template <typename T> T* in(QWidget& dialog, const char* name) {
         T* w = dialog.findChild<T*>(QLatin1String(name));
         EXPECT_TRUE(w) << name;
@@ -43,27 +34,24 @@ protected:
     void click(QWidget& dialog, const char* button) { in<QPushButton>(dialog, button)->click(); }
 };
 
-TEST_F(ConnectionDialogs, CommPortCancelChangesNothingAndOkChoosesTheSerialLink) {
+TEST_F(ConnectionDialogs, CommPortOffersTheSerialChoicesAndOnlyOkChoosesTheSerialLink) {
     CommPortDialog dialog(session);
     dialog.load();
+    auto* port = in<QComboBox>(dialog, "cmb_port");
+    EXPECT_EQ(port->itemText(1), "2");
+    EXPECT_TRUE(port->isEditable());
+    EXPECT_EQ(in<QComboBox>(dialog, "cmb_handshake")->itemText(3), "comRTSXOnXOff");
     EXPECT_EQ(in<QComboBox>(dialog, "cmb_speed")->currentText(), "1200");
     EXPECT_EQ(in<QComboBox>(dialog, "cmb_stopbit")->currentText(), "2");
-    in<QComboBox>(dialog, "cmb_port")->setCurrentText("/dev/pts/3");
+    port->setCurrentText("/dev/pts/3");
     click(dialog, "cmdCancel");
     EXPECT_TRUE(settings.useTcp);
     EXPECT_EQ(settings.commPortNumber, "1");
-    EXPECT_TRUE(ticked("mnuTelnet"));
-    EXPECT_FALSE(ticked("mnuCommport"));
-
     dialog.load();
     click(dialog, "cmdOK");
     EXPECT_FALSE(settings.useTcp) << "OK chooses the serial link even with nothing changed";
-    EXPECT_TRUE(ticked("mnuCommport"));
-    EXPECT_FALSE(ticked("mnuTelnet"));
-    EXPECT_EQ(settings.commPortNumber, "1");
-
     dialog.load();
-    in<QComboBox>(dialog, "cmb_port")->setCurrentText("/dev/pts/3");
+    port->setCurrentText("/dev/pts/3");
     in<QComboBox>(dialog, "cmb_speed")->setCurrentText("9600");
     in<QComboBox>(dialog, "cmb_handshake")->setCurrentText("comRTS");
     click(dialog, "cmdOK");
@@ -73,68 +61,44 @@ TEST_F(ConnectionDialogs, CommPortCancelChangesNothingAndOkChoosesTheSerialLink)
     EXPECT_EQ(settings.parity, "N");
 }
 
-TEST_F(ConnectionDialogs, CommPortListsTheSerialChoices) {
-    CommPortDialog dialog(session);
-    auto* port = in<QComboBox>(dialog, "cmb_port");
-    EXPECT_EQ(port->itemText(0), "1");
-    EXPECT_EQ(port->itemText(1), "2");
-    EXPECT_TRUE(port->isEditable());
-    EXPECT_EQ(in<QComboBox>(dialog, "cmb_parity")->count(), 5);
-    EXPECT_EQ(in<QComboBox>(dialog, "cmb_handshake")->itemText(3), "comRTSXOnXOff");
-}
-
-TEST_F(ConnectionDialogs, TelnetShowsTheStoredAddressAndOkChoosesTcp) {
-    settings.useTcp = false;
-    settings.ipAddress = "10.1.2.3";
-    settings.telnetPort = "2001";
-    TelnetDialog dialog(session);
-    dialog.load();
-    EXPECT_EQ(in<IPControl>(dialog, "IPControl1")->Address(), "10.1.2.3");
-    EXPECT_EQ(in<QLineEdit>(dialog, "Port")->text(), "2001");
-
-    in<IPControl>(dialog, "IPControl1")->setAddress("192.168.5.9");
-    click(dialog, "cmdCancel");
-    EXPECT_EQ(settings.ipAddress, "10.1.2.3");
-    EXPECT_FALSE(settings.useTcp);
-
-    dialog.load();
-    in<IPControl>(dialog, "IPControl1")->setAddress("192.168.5.9");
-    in<QLineEdit>(dialog, "Port")->setText("15375");
-    click(dialog, "cmdOK");
-    EXPECT_TRUE(settings.useTcp);
-    EXPECT_TRUE(ticked("mnuTelnet"));
-    EXPECT_FALSE(ticked("mnuCommport"));
-    EXPECT_EQ(settings.ipAddress, "192.168.5.9");
-    EXPECT_EQ(settings.telnetPort, "15375");
-    EXPECT_TRUE(op.notices.isEmpty());
-}
-
-TEST_F(ConnectionDialogs, TelnetLoadEdgeCases) {
+TEST_F(ConnectionDialogs, TelnetShowsTheStoredAddressOrBlankWhenItCannotTakeIt) {
     const struct {
-        const char* port;
-        const char* address;
-        const char* shownPort;
-        const char* shownAddress;
+        const char *port, *address, *shownPort, *shownAddress;
         bool reported;
-    } cases[] = {
-        {"0", "10.1.2.3", "15374", "0.0.0.0", false},
-        {"", "10.1.2.3", "15374", "0.0.0.0", false},
-        {"15374", "10.1.300.4", "15374", "0.0.0.0", true},
-        {"15374", "10.1.2", "15374", "0.0.0.0", true},
-        {"15374", "pbx", "15374", "0.0.0.0", false},
-        {"2000", "1.2.3.4.5", "2000", "1.2.3.4", false},
-    };
+    } cases[] = {{"2001", "10.1.2.3", "2001", "10.1.2.3", false},
+                 {"0", "10.1.2.3", "15374", "0.0.0.0", false},
+                 {"", "10.1.2.3", "15374", "0.0.0.0", false},
+                 {"15374", "10.1.300.4", "15374", "0.0.0.0", true},
+                 {"15374", "pbx", "15374", "0.0.0.0", false},
+                 {"2000", "1.2.3.4.5", "2000", "1.2.3.4", false}};
     TelnetDialog dialog(session);
     for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.port) + " " + c.address);
         op.notices.clear();
         settings.telnetPort = c.port;
         settings.ipAddress = c.address;
         dialog.load();
-        EXPECT_EQ(in<QLineEdit>(dialog, "Port")->text(), c.shownPort) << c.port << c.address;
-        EXPECT_EQ(in<IPControl>(dialog, "IPControl1")->Address(), c.shownAddress)
-            << c.port << " " << c.address;
-        EXPECT_EQ(op.notices.size(), c.reported ? 1 : 0) << c.port << " " << c.address;
+        EXPECT_EQ(in<QLineEdit>(dialog, "Port")->text(), c.shownPort);
+        EXPECT_EQ(in<IPControl>(dialog, "IPControl1")->Address(), c.shownAddress);
+        EXPECT_EQ(op.notices.size(), c.reported ? 1 : 0);
     }
+}
+
+TEST_F(ConnectionDialogs, TelnetCancelChangesNothingAndOkChoosesTcp) {
+    settings.useTcp = false;
+    TelnetDialog dialog(session);
+    for (const char* button : {"cmdCancel", "cmdOK"}) {
+        EXPECT_FALSE(settings.useTcp) << "before " << button;
+        EXPECT_EQ(settings.ipAddress, "127.0.0.1") << "before " << button;
+        dialog.load();
+        in<IPControl>(dialog, "IPControl1")->setAddress("192.168.5.9");
+        in<QLineEdit>(dialog, "Port")->setText("15375");
+        click(dialog, button);
+    }
+    EXPECT_TRUE(settings.useTcp);
+    EXPECT_EQ(settings.ipAddress, "192.168.5.9");
+    EXPECT_EQ(settings.telnetPort, "15375");
+    EXPECT_TRUE(op.notices.isEmpty());
 }
 
 // The file dialogs of End Rec. Script, Save log file, the wire trace's save and the opens.
@@ -156,7 +120,6 @@ TEST(FileDialogs, ANameWithoutExtensionGetsTheFiltersAndTheNextDialogOpensInItsF
     };
     typeIntoNextDialog(dir.filePath("session1"));
     EXPECT_EQ(op.chooseFileToSave(logFileFilter), dir.filePath("session1.log"));
-
     const struct {
         QString filter;
         const char* typed;
@@ -171,7 +134,6 @@ TEST(FileDialogs, ANameWithoutExtensionGetsTheFiltersAndTheNextDialogOpensInItsF
         EXPECT_EQ(op.chooseFileToSave(c.filter), dir.filePath(c.saved)) << c.typed;
         EXPECT_EQ(openedIn, dir.path()) << "where the last file was saved";
     }
-
     // An open dialog starts where the last file was saved, and the next save where that was
     // opened.
     ASSERT_TRUE(QDir(dir.path()).mkdir("older"));

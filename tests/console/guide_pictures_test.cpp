@@ -27,7 +27,6 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 using namespace larkspur;
@@ -42,7 +41,6 @@ public:
     QSettings settings{dir.filePath(QStringLiteral("larkspur.ini")), QSettings::IniFormat};
     std::unique_ptr<DryRunAssembly> console;
     std::unique_ptr<MainWindow> window;
-
     // The window over the simulator started with `pbx`.
     void open(const QStringList& pbx, QSize size = QSize(1280, 800)) {
         const sim::ParsedArguments parsed = sim::parseSimArguments(pbx);
@@ -52,139 +50,98 @@ public:
         window->resize(size);
         window->show();
     }
-    template <typename T> T* find(const char* name) {
-        T* object = window->findChild<T*>(QLatin1String(name));
-        EXPECT_TRUE(object) << name;
+    template <typename T> T* find(const QString& name) {
+        T* object = window->findChild<T*>(name);
+        EXPECT_TRUE(object) << name.toStdString();
         return object;
     }
-    void press(const char* name) { find<QAbstractButton>(name)->click(); }
-    void choose(const char* menuEntry) { find<QAction>(menuEntry)->trigger(); }
-    void type(const char* field, const char* text) {
-        find<QLineEdit>(field)->clear();
-        QTest::keyClicks(find<QLineEdit>(field), QLatin1String(text));
-    }
-
-    // What the views show a moment later, shown now.
-    void showEverything() {
+    // Each step presses a button or menu entry by name, or types "field=text".
+    void play(const QStringList& steps) {
+        for (const QString& step : steps) {
+            if (step.contains(u'=')) {
+                auto* field = find<QLineEdit>(step.section(u'=', 0, 0));
+                field->clear();
+                QTest::keyClicks(field, step.section(u'=', 1));
+            } else if (auto* action = window->findChild<QAction*>(step)) {
+                action->trigger();
+            } else {
+                find<QAbstractButton>(step)->click();
+            }
+        }
+        // What the views show a moment later, shown now.
         find<TrafficView>("List1")->syncNow();
         find<WireTracePanel>("wireTraceDock")->model().sync();
         QCoreApplication::processEvents();
     }
-
     static void save(QWidget* shown, const char* picture) {
-        const QString folder = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR");
-        if (!folder.isEmpty()) {
+        if (const QString folder = qEnvironmentVariable("LARKSPUR_SCREENSHOT_DIR");
+            !folder.isEmpty()) {
             EXPECT_TRUE(shown->grab().save(QDir(folder).filePath(QLatin1String(picture))))
                 << picture;
         }
     }
 };
 
-struct Scene {
-    const char* picture; // under docs/
-    QSize size;          // the window's, as the picture shows it
-    QStringList pbx;     // the simulator's options
-    std::function<void(GuidePictures&)> play;
-    const char* linkStatus;
-};
-
 const QStringList hotelPbx = {"--after", "CHK1", "0.5", "STS2   101",
                               "--after", "WKP",  "0.5", "MR 0001  101"};
 const QStringList vmailPbx = {"--mode", "VMAIL", "--after",
                               "6",      "0.5",   "<STX>44001  0201<ETX><BCC>"};
+const QStringList hotelDay = {
+    "cmd_connect",   "txt_ls_pilot=101", "txt_suite_1=102", "txt_suite_2=103", "Text1=Smith",
+    "txt_time=0730", "chk_linked_suite", "chk_manual",      "cmd_chk_in",      "cmd_name_1",
+    "cmd_wakeup",    "cmd_msg_wait",     "cmd_ste0"};
+const QStringList vmailDay = {"mnuVoiceMail", "cmd_connect",      "txt_ls_pilot=4001",
+                              "cmd_chk_in",   "txt_suite_1=1234", "cmd_xfer_name"};
 
-void hotelDay(GuidePictures& g) {
-    g.press("cmd_connect");
-    g.type("txt_ls_pilot", "101");
-    g.type("txt_suite_1", "102");
-    g.type("txt_suite_2", "103");
-    g.type("Text1", "Smith");
-    g.type("txt_time", "0730");
-    g.press("chk_linked_suite");
-    g.press("chk_manual");
-    for (const char* button :
-         {"cmd_chk_in", "cmd_name_1", "cmd_wakeup", "cmd_msg_wait", "cmd_ste0"})
-        g.press(button);
-}
-
-void vmailDay(GuidePictures& g, bool his) {
-    g.choose("mnuVoiceMail");
-    if (his)
-        g.choose("mnu_HIS");
-    g.press("cmd_connect");
-    g.type("txt_ls_pilot", "4001");
-    g.press("cmd_chk_in");
-    g.type("txt_suite_1", "1234");
-    g.press("cmd_xfer_name");
-    if (!his)
-        return;
-    g.press("cmd_name_1");
-    g.type("txt_department", "3");
-    g.press("cmd_replace_name");
-}
-
-const Scene scenes[] = {
-    {"console.png",
-     {1332, 820},
-     hotelPbx,
-     [](GuidePictures& g) {
-         g.press("cmd_connect");
-         g.press("cmd_start_script");
-         g.type("txt_suite_1", "101");
-         g.type("Text1", "SMITH JOHN");
-         g.press("chk_manual");
-         g.press("cmd_chk_in");
-         g.press("cmd_name_1");
-     },
-     "TCP 127.0.0.1:15374 connected"},
-    {"console-vmail.png",
-     {1280, 800},
-     vmailPbx,
-     [](GuidePictures& g) { vmailDay(g, false); },
-     "TCP 127.0.0.1:15374 connected"},
-    {"images/console-hotel.png", {1356, 820}, hotelPbx, hotelDay, "TCP 127.0.0.1:15374 connected"},
-    {"images/console-vmail.png",
-     {1280, 820},
-     vmailPbx,
-     [](GuidePictures& g) { vmailDay(g, true); },
-     "TCP 127.0.0.1:15374 connected"},
-    {"images/script-run.png",
-     {1280, 820},
-     {"--after", "CHK1", "1.5", "STS2   101", "--after", "WKP", "1.5", "MR 0001  101", "--after",
-      "CHK0", "1.5", "<STX>RQINZ     <ETX>"},
-     [](GuidePictures& g) {
-         g.press("cmd_connect");
-         g.op.filesToOpen = {QStringLiteral(LARKSPUR_SOURCE_DIR "/examples/hotel.txt")};
-         g.press("Xtest");
-         EXPECT_EQ(g.op.notices.value(g.op.notices.size() - 1), "Script file completed");
-     },
-     "TCP 127.0.0.1:15374 connected"},
-    {"images/wire-trace.png",
-     {1356, 1000},
-     hotelPbx,
-     [](GuidePictures& g) {
-         g.choose("mnuWireTrace");
-         g.press("cmd_connect");
-         g.type("txt_suite_1", "101");
-         g.type("Text1", "Smith");
-         g.press("cmd_chk_in");
-         g.press("cmd_name_1");
-         g.press("cmd_disconnect");
-     },
-     "TCP 127.0.0.1:15374 closed"},
-};
+// Each scene is saved as `picture` under docs/, at the window's size the picture shows.
+const struct {
+    const char* picture;
+    QSize size;
+    QStringList pbx, steps, notices;
+} scenes[] = {{"console.png",
+               {1332, 820},
+               hotelPbx,
+               {"cmd_connect", "cmd_start_script", "txt_suite_1=101", "Text1=SMITH JOHN",
+                "chk_manual", "cmd_chk_in", "cmd_name_1"},
+               {}},
+              {"console-vmail.png", {1280, 800}, vmailPbx, vmailDay, {}},
+              {"images/console-hotel.png", {1356, 820}, hotelPbx, hotelDay, {}},
+              {"images/console-vmail.png",
+               {1280, 820},
+               vmailPbx,
+               QStringList{"mnu_HIS"} + vmailDay +
+                   QStringList{"cmd_name_1", "txt_department=3", "cmd_replace_name"},
+               {}},
+              {"images/script-run.png",
+               {1280, 820},
+               {"--after", "CHK1", "1.5", "STS2   101", "--after", "WKP", "1.5", "MR 0001  101",
+                "--after", "CHK0", "1.5", "<STX>RQINZ     <ETX>"},
+               {"cmd_connect", "Xtest"}, // plays the hotel example
+               {"successfully received --> sts2", "successfully received --> mr",
+                "successfully received --> rti", "Script file completed"}},
+              {"images/wire-trace.png",
+               {1356, 1000},
+               hotelPbx,
+               {"mnuWireTrace", "cmd_connect", "txt_suite_1=101", "Text1=Smith", "cmd_chk_in",
+                "cmd_name_1", "cmd_disconnect"},
+               {}}};
 
 TEST_F(GuidePictures, TheWindowShowsItsStatusBarAndEveryControlAtTheGuidesSize) {
-    for (const Scene& scene : scenes) {
+    for (const auto& scene : scenes) {
+        SCOPED_TRACE(scene.picture);
+        op.notices.clear();
+        op.filesToOpen = {QStringLiteral(LARKSPUR_SOURCE_DIR "/examples/hotel.txt")};
         open(scene.pbx, scene.size);
-        scene.play(*this);
-        showEverything();
-        EXPECT_TRUE(window->statusBar()->isVisible()) << scene.picture;
-        EXPECT_EQ(find<QLabel>("lbl_link_status")->text(), scene.linkStatus) << scene.picture;
+        play(scene.steps);
+        EXPECT_EQ(op.notices, scene.notices);
+        const QString status = find<QLabel>("lbl_link_status")->text();
+        EXPECT_TRUE(status == "TCP 127.0.0.1:15374 connected" ||
+                    status == "TCP 127.0.0.1:15374 closed")
+            << status.toStdString();
+        EXPECT_TRUE(window->statusBar()->isVisible());
         auto* controls = find<QScrollArea>("controlScroll");
-        ASSERT_TRUE(controls) << scene.picture;
-        EXPECT_FALSE(controls->horizontalScrollBar()->isVisible()) << scene.picture;
-        EXPECT_FALSE(controls->verticalScrollBar()->isVisible()) << scene.picture;
+        EXPECT_FALSE(controls->horizontalScrollBar()->isVisible());
+        EXPECT_FALSE(controls->verticalScrollBar()->isVisible());
         save(window.get(), scene.picture);
         window.reset();
     }
@@ -192,18 +149,14 @@ TEST_F(GuidePictures, TheWindowShowsItsStatusBarAndEveryControlAtTheGuidesSize) 
 
 TEST_F(GuidePictures, TheDialogsAsTheGuideShowsThem) {
     open(hotelPbx);
-    hotelDay(*this);
     // The PBX tells the room's status while the wait for it runs.
-    type("txt_suite_1", "101");
-    press("cmd_chk_in");
+    play(hotelDay + QStringList{"txt_suite_1=101", "cmd_chk_in"});
     Q_EMIT find<QComboBox>("cmb_wait")->textActivated("sts2");
-    choose("mnuRunStatistics");
+    play({"mnuRunStatistics"});
     auto* statistics = find<RunStatisticsDialog>("runStatisticsDialog");
-    showEverything();
     EXPECT_EQ(statistics->findChild<QTableWidget*>("runStatisticsTable")->item(0, 0)->text(),
               "ENQ");
     save(statistics, "images/run-statistics.png");
-
     TelnetDialog telnet(console->session, window.get());
     telnet.load();
     telnet.show();

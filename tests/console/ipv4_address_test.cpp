@@ -20,78 +20,25 @@ using Outcome = AddressText::Outcome;
 namespace {
 
 TEST(Ipv4Address, WritingAnAddressText) {
-    const struct {
-        const char* text;
-        Outcome outcome;
-        const char* address; // as read back
-    } cases[] = {
-        {"10.0.0.1", Outcome::Set, "10.0.0.1"},
-        {"1.2.3.4.5", Outcome::Set, "1.2.3.4"},
-        {"010.000.000.001", Outcome::Set, "10.0.0.1"},
-        {" 192. 168.1 .7", Outcome::Set, "192.168.1.7"},
-        {"255.255.255.255", Outcome::Set, "255.255.255.255"},
-        {"1.2.3.4.junk", Outcome::Set, "1.2.3.4"},
-        {"1234", Outcome::Ignored, ""},
-        {"", Outcome::Ignored, ""},
-        {"localhost", Outcome::Ignored, ""},
-        {"1.2.3", Outcome::Invalid, ""},
-        {"1.2.3.256", Outcome::Invalid, ""},
-        {"1..3.4", Outcome::Invalid, ""},
-        {"1.2.3.-4", Outcome::Invalid, ""},
-        {"1.2.3.4x", Outcome::Invalid, ""},
-        {"pbx.example.net", Outcome::Invalid, ""},
-        {"99999999999.1.1.1", Outcome::Invalid, ""},
-    };
-    for (const auto& c : cases) {
-        const AddressText parsed = parseAddressText(QString::fromLatin1(c.text));
-        EXPECT_EQ(parsed.outcome, c.outcome) << c.text;
-        EXPECT_EQ(parsed.error.isEmpty(), c.outcome != Outcome::Invalid) << c.text;
-        if (c.outcome == Outcome::Set) {
-            EXPECT_EQ(formatAddress(parsed.address), c.address) << c.text;
-        }
+    const std::pair<const char*, const char*> set[] = {{"10.0.0.1", "10.0.0.1"},
+                                                       {"1.2.3.4.5", "1.2.3.4"},
+                                                       {"010.000.000.001", "10.0.0.1"},
+                                                       {" 192. 168.1 .7", "192.168.1.7"},
+                                                       {"255.255.255.255", "255.255.255.255"}};
+    for (const auto& [text, address] : set) {
+        const AddressText parsed = parseAddressText(text);
+        EXPECT_EQ(parsed.outcome, Outcome::Set) << text;
+        EXPECT_EQ(formatAddress(parsed.address), address) << text;
+    }
+    for (const char* text : {"1234", "", "localhost"})
+        EXPECT_EQ(parseAddressText(text).outcome, Outcome::Ignored) << text;
+    for (const char* text : {"1.2.3", "1.2.3.256", "1..3.4", "1.2.3.-4", "1.2.3.4x",
+                             "pbx.example.net", "99999999999.1.1.1"}) {
+        EXPECT_EQ(parseAddressText(text).outcome, Outcome::Invalid) << text;
+        EXPECT_NE(parseAddressText(text).error, "") << text;
     }
     EXPECT_EQ(parseAddressText("10.1.300.4").error,
               "part 3 of \"10.1.300.4\" (\"300\") is not a whole number from 0 to 255");
-}
-
-TEST(Ipv4Address, BytesMostSignificantFirst) {
-    EXPECT_EQ(packAddress(192, 168, 1, 7), 0xC0A80107u);
-    EXPECT_EQ(addressByte(0xC0A80107u, 0), 192);
-    EXPECT_EQ(addressByte(0xC0A80107u, 3), 7);
-    EXPECT_EQ(formatAddress(0), "0.0.0.0");
-}
-
-TEST(Ipv4Address, FieldRangeAsTheControlDecodesTheConsolesPacking) {
-    const struct {
-        int low, high;
-        quint32 packed;
-        FieldRange decoded;
-    } cases[] = {
-        {0, 255, 0x00FF0000u, {0, 0}},
-        {10, 20, 0x0014000Au, {10, 0}},
-        {0, 0, 0u, {0, 0}},
-        {256, 255, 0x00FF0100u, {0, 1}},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(packFieldRange(c.low, c.high), c.packed) << c.low << ".." << c.high;
-        EXPECT_EQ(decodeFieldRange(c.packed), c.decoded) << c.low << ".." << c.high;
-    }
-    // Packed the way the control itself packs, the same limits come out whole.
-    EXPECT_EQ(decodeFieldRange(20 * 256 + 10), (FieldRange{10, 20}));
-}
-
-TEST(Ipv4Address, FinishedEntryIsHeldToTheRange) {
-    const struct {
-        int value;
-        FieldRange range;
-        int result;
-    } cases[] = {
-        {192, {0, 255}, 192}, {300, {0, 255}, 255}, {192, {0, 0}, 0},
-        {5, {10, 0}, 10},     {20, {10, 0}, 0},     {10, {10, 0}, 0},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(constrainToRange(c.value, c.range), c.result)
-            << c.value << " in " << c.range.low << ".." << c.range.high;
 }
 
 class IpControlWidget : public ::testing::Test {
@@ -110,38 +57,16 @@ protected:
 TEST_F(IpControlWidget, ReadWriteAndBlank) {
     EXPECT_TRUE(control.IsBlank());
     EXPECT_EQ(control.Address(), "0.0.0.0") << "an empty control reads as 0.0.0.0";
-
     EXPECT_EQ(control.setAddress("1.2.3.4.5"), "");
-    EXPECT_EQ(control.Address(), "1.2.3.4");
-    EXPECT_FALSE(control.IsBlank());
-
     EXPECT_EQ(control.setAddress("1234"), "") << "no dot: ignored";
-    EXPECT_EQ(control.Address(), "1.2.3.4");
-    EXPECT_NE(control.setAddress("1.2.3"), "") << "too few parts is reported";
     EXPECT_NE(control.setAddress("1.2.3.999"), "");
-    EXPECT_EQ(control.Address(), "1.2.3.4") << "a refused text changes nothing";
-
+    EXPECT_EQ(control.Address(), "1.2.3.4") << "an ignored or refused text changes nothing";
     control.ClearAddress();
     EXPECT_TRUE(control.IsBlank());
-    EXPECT_EQ(control.Address(), "0.0.0.0");
-
     finish(2, "7");
     EXPECT_FALSE(control.IsBlank()) << "one filled field is enough";
-    EXPECT_EQ(control.Address(), "0.0.7.0");
-}
-
-TEST_F(IpControlWidget, TypedFieldsAreHeldToTheirRange) {
     finish(0, "300");
-    EXPECT_EQ(field(0)->text(), "255");
-    control.SetFieldRange(0, 255, 1);
-    finish(1, "192");
-    EXPECT_EQ(field(1)->text(), "0") << "the console's packing leaves the high limit 0";
-    control.SetFieldRange(10, 20, 2);
-    finish(2, "5");
-    EXPECT_EQ(field(2)->text(), "10");
-    control.SetFieldRange(0, 255, 7);
-    finish(3, "255");
-    EXPECT_EQ(field(3)->text(), "255") << "a field index out of range changes nothing";
+    EXPECT_EQ(control.Address(), "255.0.7.0") << "a finished field is held to 0-255";
 }
 
 TEST_F(IpControlWidget, TypingMovesFromFieldToField) {
@@ -156,14 +81,9 @@ TEST_F(IpControlWidget, TypingMovesFromFieldToField) {
         const char* address;
     } cases[] = {
         {"", "10.1.255.7", "10.1.255.7"},
-        {"", "255.255.1.1", "255.255.1.1"},
-        {"", "1.2.3.4", "1.2.3.4"},
         {"", "..7", "7.0.0.0"}, // a dot in an empty field stays there
         {"127.0.0.1", "192.168.10.200", "192.168.10.200"},
-        {"127.0.0.1", "192.168.1.20", "192.168.1.20"},
-        {"127.0.0.1", "10.1.2.3", "10.1.2.3"},
         {"255.255.255.255", "1.22.133.4", "1.22.133.4"},
-        {"10.20.30.40", "192.0.2.1", "192.0.2.1"},
     };
     for (const auto& c : cases) {
         control.ClearAddress();
@@ -174,12 +94,9 @@ TEST_F(IpControlWidget, TypingMovesFromFieldToField) {
         EXPECT_EQ(control.Address(), c.address) << c.stored << " typed over with " << c.typed;
     }
     EXPECT_EQ(QApplication::focusWidget(), field(3));
-
     QTest::keyClick(field(3), Qt::Key_Backspace);
     QTest::keyClick(field(3), Qt::Key_Backspace);
     EXPECT_EQ(QApplication::focusWidget(), field(2)) << "Backspace in an empty field goes back";
-    control.SetFieldFocus(1);
-    EXPECT_EQ(QApplication::focusWidget(), field(1));
 }
 
 TEST_F(IpControlWidget, APastedAddressLandsFieldByFieldOrNotAtAll) {

@@ -1,11 +1,7 @@
 #include "common/fake_session.h"
-#include "common/recording_operator.h"
 #include "console/line_view.h"
 #include "console/log_commands.h"
 #include "console/log_view.h"
-#include "core/virtual_event_pump.h"
-#include "doubles/fake_transport.h"
-#include "transactions/session.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -21,7 +17,6 @@ protected:
     QTemporaryDir dir;
     QString path = dir.filePath("pms.log");
     LogViewList& list = session.log().viewerList();
-
     QStringList entries() const {
         QStringList l;
         for (qsizetype i = 0; i < list.size(); ++i)
@@ -39,14 +34,12 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "Connected...\r\nReceived--> ACK\r\n");
     EXPECT_EQ(op.filters, QStringList{"PMS Log File (*.log)"});
-
     session.errors().recordError("an old failure", false);
     cmd_new_error_file(session);
     EXPECT_TRUE(entries().isEmpty());
     EXPECT_TRUE(session.errors().errorReport().isEmpty());
     EXPECT_EQ(session.log().logText(), "Connected...\r\nReceived--> ACK\r\n")
         << "the traffic itself is not touched";
-
     op.filesToOpen = {path, path};
     EXPECT_TRUE(cmd_open_logfile(session));
     EXPECT_TRUE(cmd_open_logfile(session));
@@ -54,8 +47,12 @@ TEST_F(LogCommands, SaveStartAfreshAndOpenTwice) {
               QStringList({"Connected...", "Received--> ACK", "Connected...", "Received--> ACK"}));
 }
 
-TEST_F(LogCommands, ALogFileThatCannotBeWrittenIsSaid) {
+TEST_F(LogCommands, CancelledRefusedOrBusyTheCommandsChangeNothing) {
     session.log().logLine("kept");
+    EXPECT_FALSE(cmd_open_logfile(session)) << "no viewer after a cancelled open";
+    EXPECT_EQ(cmd_save_log(session), "");
+    EXPECT_EQ(entries(), QStringList{"kept"});
+    EXPECT_TRUE(QDir(dir.path()).isEmpty());
     const QString nowhere = dir.filePath("no/such/folder/pms.log");
     op.filesToSave = {nowhere};
     const QString said = cmd_save_log(session);
@@ -63,29 +60,18 @@ TEST_F(LogCommands, ALogFileThatCannotBeWrittenIsSaid) {
         << said.toStdString();
     EXPECT_TRUE(op.notices.isEmpty()) << "no box, as for every other log command";
     EXPECT_EQ(session.log().logText(), "kept\r\n") << "and nothing logged";
-    op.filesToSave = {path};
-    EXPECT_EQ(cmd_save_log(session), "");
-}
 
-TEST_F(LogCommands, CancelledDialogsChangeNothing) {
-    session.log().logLine("kept");
-    EXPECT_FALSE(cmd_open_logfile(session)) << "no viewer after a cancelled open";
-    cmd_save_log(session);
-    EXPECT_EQ(entries(), QStringList{"kept"});
-    EXPECT_TRUE(QDir(dir.path()).isEmpty());
-}
-
-TEST_F(LogCommands, OpenAndSaveWaitForTheAcknowledgement) {
-    session.log().logLine("kept");
+    // While an acknowledgement is awaited no dialog is even shown; starting afresh still works.
+    op.filters.clear();
     const Link::WaitGuard busy(session.link());
     op.filesToOpen = {path};
     op.filesToSave = {path};
     EXPECT_FALSE(cmd_open_logfile(session));
     cmd_save_log(session);
-    EXPECT_TRUE(op.filters.isEmpty()) << "no dialog is even shown";
+    EXPECT_TRUE(op.filters.isEmpty());
     EXPECT_FALSE(QFile::exists(path));
     cmd_new_error_file(session);
-    EXPECT_TRUE(entries().isEmpty()) << "starting afresh still works";
+    EXPECT_TRUE(entries().isEmpty());
 }
 
 TEST_F(LogCommands, ViewerShowsTheListAndOnlyHidesWhenClosed) {
@@ -95,12 +81,10 @@ TEST_F(LogCommands, ViewerShowsTheListAndOnlyHidesWhenClosed) {
     session.log().logLine("first");
     viewer.show();
     EXPECT_EQ(view->model()->rowCount(), 1);
-
     session.log().logLine("second");
     viewer.entriesAdded();
     view->syncNow();
     EXPECT_EQ(view->model()->rowCount(), 2);
-
     viewer.close();
     EXPECT_TRUE(viewer.isHidden());
     cmd_new_error_file(session);

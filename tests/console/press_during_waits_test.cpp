@@ -3,88 +3,53 @@
 // it would have without the press (or sooner, for the controls that are there to end it).
 #include "console/console_fixture.h"
 
-#include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
-#include <QDialog>
-#include <QFile>
-#include <QMenu>
-#include <QTimer>
-
-#include <functional>
-#include <memory>
 
 using namespace larkspur;
 using namespace larkspur::test;
 
 namespace {
 
-const QByteArray enq(1, 5), ack(1, 6);
-constexpr qint64 outerLimitMs = 120'000;
-
-// The kinds of wait an operator can press into, each started from the window as a click.
+// The kinds of wait an operator can press into: what readies the rig, and the button that
+// starts the wait.
 struct OuterWait {
     const char* name;
-    // Readies the rig and gives the click that starts the wait.
-    std::function<std::function<void()>(ConsoleRig&)> start;
+    std::function<void(ConsoleRig&)> ready;
+    const char* start;
     qint64 pressAtMs;
 };
 
-void connectAcknowledged(ConsoleRig& rig) {
-    rig.pbxAcknowledges();
-    rig.find<QAbstractButton>("cmd_connect")->click();
-}
-
-// A script file the next Run Script opens.
-std::function<void()> runScript(ConsoleRig& rig, const QByteArray& text) {
-    const QString path = rig.dir.filePath("script.txt");
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(text);
-    file.close();
-    rig.op.filesToOpen = {path};
-    return [&rig] { rig.find<QAbstractButton>("Xtest")->click(); };
+// Connects to a PBX that acknowledges everything; the next Run Script opens `text`.
+std::function<void(ConsoleRig&)> script(const QByteArray& text) {
+    return [text](ConsoleRig& rig) {
+        rig.connectToPbx();
+        QFile file(rig.dir.filePath("script.txt"));
+        file.open(QIODevice::WriteOnly);
+        file.write(text);
+        rig.op.filesToOpen = {file.fileName()};
+    };
 }
 
 const OuterWait outerWaits[] = {
+    // The PBX grants the connection test, then answers nothing: the check-in waits for the ACK
+    // of each of its bids.
     {"an ACK wait",
-     [](ConsoleRig& rig) -> std::function<void()> {
-         // The PBX grants the connection test, then answers nothing: the check-in waits for
-         // the ACK of each of its bids.
-         rig.tcp.onWrite = [&rig](const QByteArray& bytes) {
-             if (bytes == enq)
-                 rig.tcp.deliver(ack, 10);
-         };
-         rig.find<QAbstractButton>("cmd_connect")->click();
+     [](ConsoleRig& rig) {
+         rig.connectToPbx();
          rig.tcp.onWrite = nullptr;
-         rig.session.fields().setText(Field::txt_suite_1, QStringLiteral("101"));
-         return [&rig] { rig.find<QAbstractButton>("cmd_chk_in")->click(); };
+         rig.type("txt_suite_1", "101");
      },
-     2'000},
-    {"an expected-message wait",
-     [](ConsoleRig& rig) {
-         connectAcknowledged(rig);
-         return runScript(rig, "WAIT STS1   101 5\r\n;\r\n");
-     },
-     2'000},
-    {"the pacing pause",
-     [](ConsoleRig& rig) {
-         connectAcknowledged(rig);
-         return runScript(rig, "CHK1   101\r\nCHK0   101\r\n;\r\n");
-     },
-     700},
+     "cmd_chk_in", 2'000},
+    {"an expected-message wait", script("WAIT STS1   101 5\r\n;\r\n"), "Xtest", 2'000},
+    {"the pacing pause", script("CHK1   101\r\nCHK0   101\r\n;\r\n"), "Xtest", 700},
+    // The PBX refuses for three seconds, then takes the connection and grants the bid.
     {"the TCP connect loop",
-     [](ConsoleRig& rig) -> std::function<void()> {
-         // The PBX refuses for three seconds, then takes the connection and grants the bid.
+     [](ConsoleRig& rig) {
          rig.pbxAcknowledges();
          rig.tcp.acceptAfterMs = -1;
          rig.pump.schedule(3'500, [&rig] { rig.tcp.acceptAfterMs = 0; });
-         return [&rig] { rig.find<QAbstractButton>("cmd_connect")->click(); };
      },
-     1'500},
-};
+     "cmd_connect", 1'500}};
 
 // Closes whatever modal dialog a press opens, once its event loop runs.
 void closeDialogsOpenedBy(const std::function<void()>& press) {
@@ -135,48 +100,37 @@ std::function<void()> pressOf(ConsoleRig& rig, const QString& name) {
 // during a wait has its own rule and tests.
 QStringList everyControl(ConsoleRig& rig) {
     QStringList names;
-    const auto take = [&names](QObject* o) {
+    for (QObject* o : rig.window().findChildren<QObject*>()) {
+        auto* action = qobject_cast<QAction*>(o);
         const QString name = o->objectName();
-        if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")) && name != "mnuExit")
+        if ((qobject_cast<QAbstractButton*>(o) || qobject_cast<QComboBox*>(o) ||
+             (action && !action->isSeparator() && !action->menu())) &&
+            !name.isEmpty() && !name.startsWith(QLatin1String("qt_")) && name != "mnuExit")
             names << name;
-    };
-    for (QAbstractButton* b : rig.window().findChildren<QAbstractButton*>())
-        take(b);
-    for (QComboBox* c : rig.window().findChildren<QComboBox*>())
-        take(c);
-    for (QAction* a : rig.window().findChildren<QAction*>())
-        if (!a->isSeparator() && !a->menu())
-            take(a);
+    }
     names.removeDuplicates();
     return names;
 }
 
-// What pressing `control` at the outer wait's press time did: how long the press itself took
-// and how long the outer wait took, in virtual ms. No control: the outer wait alone.
-struct Outcome {
-    qint64 pressMs = -1, outerMs = -1;
-};
-
-Outcome pressDuring(const OuterWait& outer, const QString& control) {
+// How long pressing `control` at the outer wait's press time took, and how long the outer wait
+// took, in virtual ms. No control: the outer wait alone.
+std::pair<qint64, qint64> pressDuring(const OuterWait& outer, const QString& control) {
     ConsoleRig rig;
-    rig.window();
-    const std::function<void()> start = outer.start(rig);
-    Outcome outcome;
-    const std::function<void()> press = control.isEmpty() ? nullptr : pressOf(rig, control);
-    if (press) {
-        rig.pump.schedule(outer.pressAtMs, [&] {
+    outer.ready(rig);
+    qint64 pressMs = -1;
+    if (const std::function<void()> press = control.isEmpty() ? nullptr : pressOf(rig, control)) {
+        rig.pump.schedule(outer.pressAtMs, [&rig, &pressMs, press] {
             const qint64 pressedAt = rig.pump.elapsedMs();
             closeDialogsOpenedBy(press);
-            outcome.pressMs = rig.pump.elapsedMs() - pressedAt;
+            pressMs = rig.pump.elapsedMs() - pressedAt;
         });
     }
     // A press that loops for ever inside the wait is ended as a signal ends a run, so it fails
     // the test instead of hanging it.
-    rig.pump.schedule(outerLimitMs, [&rig] { rig.pump.requestStop(); });
+    rig.pump.schedule(120'000, [&rig] { rig.pump.requestStop(); });
     const qint64 startedAt = rig.pump.elapsedMs();
-    start();
-    outcome.outerMs = rig.pump.elapsedMs() - startedAt;
-    return outcome;
+    rig.press(outer.start);
+    return {pressMs, rig.pump.elapsedMs() - startedAt};
 }
 
 TEST(PressDuringWaits, NothingNestsAndTheOuterWaitEndsAsItWouldHave) {
@@ -189,16 +143,16 @@ TEST(PressDuringWaits, NothingNestsAndTheOuterWaitEndsAsItWouldHave) {
     }
     ASSERT_GT(controls.size(), 40);
     for (const OuterWait& outer : outerWaits) {
-        const qint64 alone = pressDuring(outer, QString()).outerMs;
+        const qint64 alone = pressDuring(outer, QString()).second;
         ASSERT_GT(alone, outer.pressAtMs) << outer.name;
         for (const QString& control : controls) {
-            const Outcome o = pressDuring(outer, control);
+            const auto [pressMs, outerMs] = pressDuring(outer, control);
             const std::string what = control.toStdString() + " during " + outer.name;
-            EXPECT_EQ(o.pressMs, 0) << what;
+            EXPECT_EQ(pressMs, 0) << what;
             if (ending.contains(control))
-                EXPECT_LE(o.outerMs, alone) << what;
+                EXPECT_LE(outerMs, alone) << what;
             else
-                EXPECT_EQ(o.outerMs, alone) << what;
+                EXPECT_EQ(outerMs, alone) << what;
         }
     }
 }

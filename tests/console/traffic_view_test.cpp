@@ -55,51 +55,28 @@ class TrafficViewTest : public ::testing::Test {
 protected:
     TrafficView view;
     TrafficLog log;
-
     void SetUp() override {
         view.resize(600, 300);
         view.show();
         log.setDisplay(&view);
     }
-    QStringList shown() {
-        QStringList l;
-        for (int row = 0; row < view.model()->rowCount(); ++row)
-            l.append(view.model()->index(row, 0).data().toString());
-        return l;
-    }
 };
 
-TEST_F(TrafficViewTest, LeadingBackspaceReplacesTheLastCharacterShown) {
-    QString text = QStringLiteral("Received--> AB");
-    log.ShowDebug(text);
-    text = QStringLiteral("\bC\r\n");
-    log.ShowDebug(text);
-    log.logLine(QStringLiteral("Sending -->    ACK"));
-    view.syncNow();
-    EXPECT_EQ(shown(), QStringList({"Received--> AC", "Sending -->    ACK"}));
-}
-
-TEST_F(TrafficViewTest, ManyLinesAreAllThereAndTheNewestIsInView) {
-    constexpr int count = 100000;
+TEST_F(TrafficViewTest, ManyLinesAreAllThereWithTheNewestInViewAndArriveUnasked) {
+    constexpr int count = 1000;
     for (int i = 0; i < count; ++i)
         view.insertAtEnd(QStringLiteral("Received--> STS1 %1\r\n").arg(i, 5), false);
     EXPECT_EQ(view.model()->rowCount(), 0) << "rows are announced in batches";
     view.syncNow();
     ASSERT_EQ(view.model()->rowCount(), count);
-    EXPECT_EQ(view.model()->index(count - 1, 0).data().toString(), "Received--> STS1 99999");
-    EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
+    EXPECT_EQ(view.model()->index(count - 1, 0).data().toString(), "Received--> STS1   999");
     EXPECT_GT(view.verticalScrollBar()->maximum(), 0);
-
+    EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
     view.clear();
     EXPECT_EQ(view.model()->rowCount(), 0);
-    view.insertAtEnd("after clear\r\n", false);
-    view.syncNow();
-    EXPECT_EQ(shown(), QStringList{"after clear"});
-}
-
-TEST_F(TrafficViewTest, BatchesArriveWithoutBeingAsked) {
-    log.logLine(QStringLiteral("Connected..."));
+    log.logLine(QStringLiteral("after clear"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount() == 1; }, 2000));
+    EXPECT_EQ(view.model()->index(0, 0).data().toString(), "after clear");
 }
 
 TEST_F(TrafficViewTest, CtrlCCopiesTheSelectedLinesInOrder) {

@@ -41,6 +41,28 @@ TEST(Ipv4Address, WritingAnAddressText) {
               "part 3 of \"10.1.300.4\" (\"300\") is not a whole number from 0 to 255");
 }
 
+// The console packs a field's range as high x 65536 + low, and the control reads the high limit
+// from the second byte, which that packing leaves 0: every limit but the low one is lost.
+TEST(Ipv4Address, FieldRangeAsTheControlDecodesTheConsolesPacking) {
+    const struct {
+        int low, high;
+        quint32 packed;
+        FieldRange decoded;
+    } cases[] = {
+        {0, 255, 0x00FF0000u, {0, 0}},
+        {10, 20, 0x0014000Au, {10, 0}},
+        {256, 255, 0x00FF0100u, {0, 1}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(packFieldRange(c.low, c.high), c.packed) << c.low << ".." << c.high;
+        EXPECT_EQ(decodeFieldRange(c.packed), c.decoded) << c.low << ".." << c.high;
+    }
+    EXPECT_EQ(decodeFieldRange(20 * 256 + 10), (FieldRange{10, 20})) << "the control's own packing";
+    EXPECT_EQ(constrainToRange(300, {0, 255}), 255);
+    EXPECT_EQ(constrainToRange(192, {0, 0}), 0);
+    EXPECT_EQ(constrainToRange(5, {10, 0}), 10);
+}
+
 class IpControlWidget : public ::testing::Test {
 protected:
     IPControl control;

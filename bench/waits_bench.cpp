@@ -32,8 +32,9 @@ int main(int argc, char** argv) {
          [](bench::Console& c) { wait_for_ack(c.session.link(), false); }},
         {"expected-message wait (WAIT sts1 5)", 5.0, 20, 3,
          [](bench::Console& c) {
+             bool stopScript = false;
              larkspur::runExpectationWait(c.session, larkspur::WaitKind::Plain,
-                                          QStringLiteral("sts1"), QStringLiteral("5"));
+                                          QStringLiteral("sts1"), QStringLiteral("5"), stopScript);
          }},
         {"voice-mail answer pause", 2.0, 20, 5,
          [](bench::Console& c) {

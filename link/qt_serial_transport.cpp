@@ -2,11 +2,6 @@
 
 namespace larkspur {
 
-namespace {
-// A port has no event for a carrier change; a light poll stands in for it.
-constexpr int carrierPollMs = 200;
-} // namespace
-
 QtSerialTransport::QtSerialTransport(QObject* parent) : Transport(parent) {
     m_carrierPoll.setInterval(carrierPollMs);
     connect(&m_carrierPoll, &QTimer::timeout, this, &QtSerialTransport::watchCarrier);

@@ -12,9 +12,6 @@
 namespace larkspur {
 
 namespace {
-// A tty has no event for a carrier change; a light poll stands in for it.
-constexpr int carrierPollMs = 200;
-
 QString errorText(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
 }

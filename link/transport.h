@@ -6,6 +6,9 @@
 
 namespace larkspur {
 
+// A serial line has no event for a carrier change; a light poll at this interval stands in for it.
+inline constexpr int carrierPollMs = 200;
+
 // Serial line options applied at each connect.
 struct SerialOptions {
     QString lineSettings; // "9600,N,8,1"

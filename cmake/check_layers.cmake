@@ -12,7 +12,7 @@ set(below_assembly core protocol records link transactions script sim)
 set(below_player core protocol records report link transactions script assembly sim)
 set(below_sim core protocol)
 set(below_tap core protocol records report link)
-set(below_console core protocol records report link transactions script assembly)
+set(below_console core protocol records report link transactions script assembly player)
 
 set(broken "")
 foreach(layer core protocol records report link transactions script assembly player sim tap console)

@@ -96,7 +96,7 @@ OptionTable playerTable(PlayerOptions& o) {
                         "failures first, then every exchange drawn between the PMS and the PBX"),
             {"--progress",
              {},
-             "show a progress line on standard error even when it is no terminal",
+             "show the progress line on standard error even when it is not a terminal",
              [&o](const QStringList&) {
                  o.progress = true;
                  return QString();

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 using namespace larkspur::test;
 
 namespace {
@@ -60,6 +62,17 @@ TEST_F(Report, ListsAndDrawsEveryFailureAndCountsAsTheJunitReport) {
         EXPECT_GT(pageCounts.second, 0) << c.name;
         EXPECT_TRUE(readPage(page).contains("<td>1: a command failed</td>")) << c.name;
     }
+}
+
+TEST_F(Report, AContinuousRunEndedByASignalWritesItsPage) {
+    const QString page = home.filePath("report.html");
+    start({"--no-settings", "--dry-run", "--continuous", "--report", page,
+           script("CHK1   101\r\n;\r\n")});
+    ASSERT_TRUE(waitUntil([this] { return out.count("CHK1   101") >= 3; }, 30'000));
+    ::kill(pid_t(run.processId()), SIGTERM);
+    EXPECT_EQ(finish(), 130) << err.toStdString();
+    checkReportPage(page);
+    EXPECT_TRUE(readPage(page).contains("<td>130: interrupted</td>"));
 }
 
 TEST_F(Report, AnUnwritableReportIsRefusedBeforeTheRun) {

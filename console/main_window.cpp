@@ -3,6 +3,7 @@
 #include "assembly/assembly.h"
 #include "console/choice_list.h"
 #include "console/log_view.h"
+#include "console/report_saver.h"
 #include "console/status_bar.h"
 #include "console/traffic_view.h"
 #include "core/event_pump.h"
@@ -52,6 +53,7 @@ MainWindow::MainWindow(Assembly& console, QSettings& settings, QWidget* parent)
     m_status = new ConsoleStatusBar(m_session.link(), this);
     setStatusBar(m_status);
     buildViews();
+    m_reportSaver = new ReportSaver(console, this);
     buildMenus();
     setCentralWidget(buildControlPanel());
     wireCommands();

@@ -25,6 +25,7 @@ class CheckScriptDialog;
 class CommPortDialog;
 class ConsoleStatusBar;
 class LogView;
+class ReportSaver;
 class RunStatisticsDialog;
 class Assembly;
 class ScriptEngine;
@@ -121,6 +122,7 @@ private:
     // Every byte on the wire and how each exchange fared, beside the traffic log.
     WireTracePanel* m_tracePanel = nullptr;
     RunStatisticsDialog* m_statisticsDialog = nullptr;
+    ReportSaver* m_reportSaver = nullptr;
     // A close came while operations were running; it is done once they have returned.
     bool m_closePending = false;
     bool m_unloading = false;

@@ -3,6 +3,7 @@
 // them, and the window remembers where.
 #include "console/main_window.h"
 
+#include "console/report_saver.h"
 #include "console/traffic_view.h"
 #include "script/script_engine.h"
 
@@ -53,6 +54,8 @@ void MainWindow::buildMenus() {
     bar->addMenu(file);
     QAction* check = file->addAction(tr("Check Script..."), this, [this] { checkScript(); });
     check->setObjectName(QStringLiteral("mnuCheckScript"));
+    QAction* report = file->addAction(tr("Save Report..."), m_reportSaver, &ReportSaver::save);
+    report->setObjectName(QStringLiteral("mnuSaveReport"));
     file->addSeparator();
     menuEntry("mnuExit", file, false);
 

@@ -10,19 +10,24 @@
 #include "link/settings_store.h"
 #include "player/junit_recorder.h"
 #include "player/player_options.h"
+#include "player/progress_line.h"
+#include "player/report_recorder.h"
 #include "player/run_outputs.h"
 #include "player/standard_error.h"
 #include "records/run_statistics.h"
 #include "records/wire_trace.h"
+#include "report/exit_status_words.h"
 #include "script/script_engine.h"
 #include "script/script_file.h"
 #include "script/script_reader.h"
+#include "script/script_steps.h"
 #include "transactions/session.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 
+#include <memory>
 #include <optional>
 
 #include <cstdio>
@@ -91,7 +96,8 @@ QString outputProblem(const PlayerOptions& o) {
     const std::pair<const char*, QString> outputs[] = {{"--save-log", o.saveLog},
                                                        {"--error-report", o.errorReport},
                                                        {"--junit", o.junit},
-                                                       {"--trace", o.trace}};
+                                                       {"--trace", o.trace},
+                                                       {"--report", o.report}};
     for (size_t i = 0; i < std::size(outputs); ++i) {
         const auto& [option, path] = outputs[i];
         if (path.isEmpty())
@@ -139,6 +145,8 @@ private:
     ScriptEngine& m_engine = m_console.engine;
     JunitRecorder m_junit{m_session, m_engine};
     RunOutputs m_outputs{m_options, m_junit};
+    std::unique_ptr<ReportRecorder> m_report;
+    std::unique_ptr<ProgressLine> m_progress;
     std::optional<Termination> m_termination;
     QString m_lostReason;
 };
@@ -179,6 +187,9 @@ int HeadlessRun::play(const ScriptText& script) {
     m_session.log().keepHistory(false);
     m_session.errors().keepReport(false);
     m_outputs.follow(m_session.errors(), m_console.trace);
+    if (!m_options.report.isEmpty())
+        m_report = std::make_unique<ReportRecorder>(m_session, m_engine, m_console.trace, m_junit,
+                                                    m_options.script);
 
     if (!m_options.noSettings) {
         QSettings store(QStringLiteral("Larkspur"), QStringLiteral("Larkspur"));
@@ -200,13 +211,16 @@ int HeadlessRun::play(const ScriptText& script) {
             printNotice(line > 0 ? QStringLiteral("line %1: %2").arg(line).arg(why) : why);
         });
 
+    if (ProgressLine::wanted(m_options.progress))
+        m_progress = std::make_unique<ProgressLine>(m_session, m_engine, m_console.trace, m_junit,
+                                                    commandCount(script), m_options.continuous);
     if (m_beforeConnect)
         m_beforeConnect(m_session.link().pmsMode());
     const Link::ConnectResult connected = m_session.cmd_connect(m_options.connectTimeoutSeconds);
     if (m_termination || connected != Link::ConnectResult::Connected)
         return connectionFailed(connected);
 
-    const ScriptEngine::RunOutcome outcome = m_engine.runScript(script);
+    const ScriptEngine::RunOutcome outcome = m_engine.runScript(script, m_options.script);
     m_junit.finish();
     m_session.cmd_disconnect();
     return finish(afterPlaying(outcome));
@@ -253,12 +267,26 @@ void HeadlessRun::onLinkLost(const QString& reason) {
 }
 
 int HeadlessRun::finish(int status) {
+    // The end-of-run text starts on a line of its own.
+    m_progress.reset();
     m_console.trace.finish(QStringLiteral("the run ended"));
     if (!m_console.statistics.isEmpty())
         std::fprintf(stderr, "%s", qPrintable(m_console.statistics.table()));
     m_outputs.finish(m_console.statistics);
     // Reports cut short must never pass for a run's result.
-    return m_outputs.failed() ? exitcode::reportsUnwritten : status;
+    const int ended = m_outputs.failed() ? exitcode::reportsUnwritten : status;
+    QList<std::pair<QString, QString>> facts = {
+        {QStringLiteral("Exit status"), exitStatusWords(ended)}};
+    if (m_options.dryRun)
+        facts.prepend({QStringLiteral("Dry run"),
+                       QStringLiteral("against the built-in simulator, in virtual time")});
+    QString why;
+    if (m_report && !m_report->write(m_options.report, QStringLiteral("larkspur-run"), facts,
+                                     m_console.statistics, &why)) {
+        printNotice(QStringLiteral("cannot write the report %1: %2").arg(m_options.report, why));
+        return exitcode::reportsUnwritten;
+    }
+    return ended;
 }
 
 int HeadlessRun::afterPlaying(ScriptEngine::RunOutcome outcome) const {

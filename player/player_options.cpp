@@ -91,6 +91,23 @@ OptionTable playerTable(PlayerOptions& o) {
                         "write a JUnit report to FILE, one test case per command"),
             valueOption("--trace", "FILE", takeText(o.trace),
                         "write every byte sent and received to FILE, time-stamped"),
+            valueOption("--report", "FILE", takeText(o.report),
+                        "write FILE.html at the end, a page of the run for a browser: its\n"
+                        "failures first, then every exchange drawn between the PMS and the PBX"),
+            {"--progress",
+             {},
+             "show the progress line on standard error even when it is not a terminal",
+             [&o](const QStringList&) {
+                 o.progress = true;
+                 return QString();
+             }},
+            {"--no-progress",
+             {},
+             "never show the progress line (by default it shows on a terminal)",
+             [&o](const QStringList&) {
+                 o.progress = false;
+                 return QString();
+             }},
             flagOption(
                 "--check", o.check,
                 "read SCRIPT as the runner does and print, without opening any link, each\n"

@@ -34,6 +34,9 @@ struct PlayerOptions {
     QString errorReport;
     QString junit;
     QString trace;
+    QString report;
+    // --progress, --no-progress; unset: shown when standard error is a terminal.
+    std::optional<bool> progress;
     QString script;
     bool help = false;
     // --check: read the script as the runner does and report, open nothing; --json: as JSON.

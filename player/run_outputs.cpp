@@ -77,7 +77,8 @@ void RunOutputs::writeStdout(const QByteArray& bytes) {
     if (m_stdout != Stdout::Open)
         return;
     errno = 0;
-    if (std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size()) &&
+    if (std::fputs(progressLineClearing(stdout), stdout) >= 0 &&
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size()) &&
         std::fflush(stdout) == 0)
         return;
     const int error = errno;

@@ -131,6 +131,7 @@ void ExchangePairing::open(Exchange exchange) {
     SideState& state = m_sides[int(exchange.from)];
     state.pending = std::move(exchange);
     state.waiting = true;
+    Q_EMIT opened(state.pending);
     watchTheAnswer(state.pending.from);
 }
 

@@ -64,6 +64,8 @@ Q_SIGNALS:
     // 2 ms". Said as each unit comes, but for an early answer once its meaning is known.
     void shown(larkspur::Side from, const QByteArray& bytes, const QDateTime& time,
                const QString& description);
+    // `exchange` now waits for its answer.
+    void opened(const larkspur::Exchange& exchange);
     // `exchange` was answered, refused, or not answered.
     void ended(const larkspur::Exchange& exchange);
 

@@ -20,6 +20,7 @@ QString answerNote(const Exchange& exchange) {
 
 WireTrace::WireTrace(EventPump& pump, qsizetype capacity)
     : m_pump(pump), m_pairing(pump, PmsMode::Hotel, 0), m_capacity(qMax<qsizetype>(0, capacity)) {
+    connect(&m_pairing, &ExchangePairing::opened, this, &WireTrace::exchangeOpened);
     connect(&m_pairing, &ExchangePairing::ended, this, &WireTrace::onEnded);
 }
 

@@ -50,6 +50,7 @@ public:
 
 Q_SIGNALS:
     void rowAdded(const larkspur::WireRow& row);
+    void exchangeOpened(const larkspur::Exchange& exchange);
     void exchangeEnded(const larkspur::Exchange& exchange);
 
 private:

@@ -53,6 +53,7 @@ void runExpectationWait(Session& session, WaitKind kind, const QString& item, co
     session.log().logLine(
         (plain ? QStringLiteral("waiting for --> ") : QStringLiteral("send notify for --> ")) +
         item);
+    Q_EMIT session.events().expectationStarted(item, seconds);
 
     enum class End { Success, TimedOut, Stopped } end;
     for (;;) {

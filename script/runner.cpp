@@ -49,10 +49,10 @@ ScriptEngine::RunOutcome ScriptEngine::runScriptFile(const QString& path) {
             QStringLiteral("Cannot read script file %1: %2").arg(path, file.error));
         return RunOutcome::NotRead;
     }
-    return runScript(readScript(file.bytes));
+    return runScript(readScript(file.bytes), path);
 }
 
-ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
+ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script, const QString& source) {
     Session& s = m_session;
     if (!mayStart())
         return RunOutcome::Busy;
@@ -62,6 +62,7 @@ ScriptEngine::RunOutcome ScriptEngine::runScript(const ScriptText& script) {
 
     s.log().logLine(QStringLiteral("************* STARTING SCRIPT ***************"));
     m_running = true;
+    Q_EMIT runStarted(source);
     const RunOutcome outcome = interpret(script);
     m_running = false;
     Q_EMIT runFinished(outcome);

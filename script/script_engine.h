@@ -42,8 +42,8 @@ public:
     void Xtest();
     // Plays the script in `path` (Run Script with the file already chosen).
     RunOutcome runScriptFile(const QString& path);
-    // Plays a script already read.
-    RunOutcome runScript(const ScriptText& script);
+    // Plays a script already read, from the file `source` when there is one.
+    RunOutcome runScript(const ScriptText& script, const QString& source = QString());
     bool running() const { return m_running; }
 
     void StopScript();
@@ -61,6 +61,8 @@ public:
     void cmd_recovery();
 
 Q_SIGNALS:
+    // A replay starts, of the script file `source` (empty: none named).
+    void runStarted(const QString& source);
     // A replayed command is about to run; `line` is its script line and `fileLine` where it
     // stands in the file (for reports).
     void commandStarted(const QString& line, int fileLine);

@@ -145,4 +145,26 @@ ScriptStep readStep(const ScriptText& script, qsizetype position) {
     return step;
 }
 
+qsizetype commandCount(const ScriptText& script) {
+    qsizetype count = 0;
+    for (qsizetype position = firstCommandPosition(script);;) {
+        const ScriptStep step = readStep(script, position);
+        switch (step.kind) {
+        case ScriptStep::Kind::Transaction:
+        case ScriptStep::Kind::LinkedSuite:
+        case ScriptStep::Kind::Expectation:
+            ++count;
+            break;
+        case ScriptStep::Kind::PassedOver:
+            break;
+        case ScriptStep::Kind::End:
+        case ScriptStep::Kind::Unrecognized:
+            return count;
+        }
+        if (step.next == 0)
+            return count;
+        position = step.next;
+    }
+}
+
 } // namespace larkspur

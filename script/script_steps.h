@@ -57,4 +57,7 @@ qsizetype firstCommandPosition(const ScriptText& script);
 // The command at `position` (1-based) of the script text.
 ScriptStep readStep(const ScriptText& script, qsizetype position);
 
+// How many commands a run of the script plays, once through.
+qsizetype commandCount(const ScriptText& script);
+
 } // namespace larkspur

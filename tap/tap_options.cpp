@@ -60,6 +60,9 @@ OptionTable tapTable(TapOptions& o) {
                        "a read that holds several whole messages is taken message by message, as\n"
                        "larkspur-run --split-joined takes it, without a note"),
             valueOption("--trace", "FILE", takeText(o.trace), "the trace in FILE as well"),
+            valueOption("--report", "FILE", takeText(o.report),
+                        "write FILE.html at the end, a page of the session for a browser: its\n"
+                        "failures first, then every exchange drawn between the PMS and the PBX"),
             valueOption("--learn", "SCRIPT", takeText(o.learn),
                         "write what the PMS did as a script: one line per transaction the PBX\n"
                         "acknowledged, as the window's recorder writes it, and a closing\n"
@@ -80,9 +83,9 @@ const QString aboutTap = QStringLiteral(
 
 const QString afterTap = QStringLiteral(
     "At the end (or on SIGINT, SIGTERM, SIGHUP) the trace closes with the statistics table of\n"
-    "larkspur-run.\n"
-    "Exit status: 0 done, 2 a port or the listener could not be opened, 5 the trace or the script\n"
-    "could not be written whole, 64 bad arguments, 129 hung up, 130 interrupted.\n");
+    "larkspur-run, and the --report page is written.\n"
+    "Exit status: 0 done, 2 a port or the listener could not be opened, 5 the trace, the script\n"
+    "or the report could not be written whole, 64 bad arguments, 129 hung up, 130 interrupted.\n");
 
 // The kind of link an option asks for, if any.
 std::optional<TapOptions::Links> linksOf(const QString& option) {
@@ -188,9 +191,16 @@ std::optional<TapOptions> parseTapOptions(const QStringList& arguments, QString&
     o.links = *links;
     if (!complete(o, parsed.named, error))
         return std::nullopt;
-    if (!o.trace.isEmpty() && o.trace == o.learn) {
-        error = QStringLiteral("--trace and --learn name the same file %1").arg(o.trace);
-        return std::nullopt;
+    const std::pair<const char*, QString> outputs[] = {
+        {"--trace", o.trace}, {"--learn", o.learn}, {"--report", o.report}};
+    for (size_t i = 0; i < std::size(outputs); ++i) {
+        for (size_t j = 0; j < i; ++j) {
+            if (!outputs[i].second.isEmpty() && outputs[i].second == outputs[j].second) {
+                error = QStringLiteral("%1 and %2 name the same file %3")
+                            .arg(outputs[j].first, outputs[i].first, outputs[i].second);
+                return std::nullopt;
+            }
+        }
     }
     return o;
 }

@@ -30,6 +30,7 @@ struct TapOptions {
     int frameGapMs = 0; // 0: none given
     bool splitJoined = false;
     QString trace;
+    QString report;
     QString learn;
     bool learnWaits = false;
     bool once = false;

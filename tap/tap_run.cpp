@@ -5,6 +5,9 @@
 #include "core/termination_signals.h"
 #include "link/serial_line.h"
 #include "records/run_statistics.h"
+#include "report/exit_status_words.h"
+#include "report/report_page.h"
+#include "report/run_record.h"
 #include "tap/learned_script_file.h"
 #include "tap/script_learner.h"
 #include "tap/serial_links.h"
@@ -38,7 +41,8 @@ std::unique_ptr<TapLinks> linksFor(const TapOptions& o, EventPump& pump) {
 
 // Refuses, before anything is opened, an output that cannot be written.
 QString outputProblem(const TapOptions& o) {
-    for (const auto& [option, path] : {std::pair{"--trace", o.trace}, {"--learn", o.learn}}) {
+    for (const auto& [option, path] :
+         {std::pair{"--trace", o.trace}, {"--learn", o.learn}, {"--report", o.report}}) {
         if (path.isEmpty())
             continue;
         const QString why = unwritableReason(path);
@@ -71,6 +75,43 @@ void closeTheTrace(TraceOutputs& trace, const QDateTime& now, const RunStatistic
                                      .arg(learner->learned())
                                      .arg(learnedScript)
                                      .arg(learner->passedOver())));
+}
+
+QString portName(const QString& port) {
+    return port.isEmpty() ? QStringLiteral("nothing") : port;
+}
+
+// What the report's header says of the session.
+ReportHeading reportHeading(const TapOptions& o, const QDateTime& started, const QDateTime& ended,
+                            int status) {
+    const auto hostPort = [](const HostPort& at) {
+        return formatHostPort(at.host, QString::number(at.port));
+    };
+    QString tapped;
+    switch (o.links) {
+    case TapOptions::Links::Tcp:
+        tapped = QStringLiteral("TCP relay: the PMS comes to %1, the PBX is at %2")
+                     .arg(hostPort(o.listen), hostPort(o.pbx));
+        break;
+    case TapOptions::Links::Serial:
+        tapped =
+            QStringLiteral("serial relay: the PMS on %1, the PBX on %2").arg(o.pmsPort, o.pbxPort);
+        break;
+    case TapOptions::Links::Monitor:
+        tapped = QStringLiteral("passive monitor: the PMS heard on %1, the PBX on %2")
+                     .arg(portName(o.pmsPort), portName(o.pbxPort));
+        break;
+    }
+    const QString stamp = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+    ReportHeading heading{QStringLiteral("larkspur-tap: the tapped link"),
+                          {{QStringLiteral("Tapped"), tapped}}};
+    if (o.links != TapOptions::Links::Tcp)
+        heading.facts.append({QStringLiteral("Line"), o.line});
+    heading.facts.append({{QStringLiteral("Mode"), pmsModeName(o.mode)},
+                          {QStringLiteral("Started"), started.toString(stamp)},
+                          {QStringLiteral("Ended"), ended.toString(stamp)},
+                          {QStringLiteral("Exit status"), exitStatusWords(status)}});
+    return heading;
 }
 
 } // namespace
@@ -139,6 +180,10 @@ int runTap(const TapOptions& o) {
     TrafficAnalysis analysis(
         pump, setup, [&trace](const QString& line) { trace.line(line); }, statistics,
         learner.get());
+    RunRecord record;
+    const QDateTime started = pump.currentDateTime();
+    QObject::connect(&analysis, &TrafficAnalysis::exchangeEnded,
+                     [&record](const Exchange& exchange) { record.exchange(exchange); });
     TraceBacklog backlog(pump, [&analysis](const TraceEntry& entry) { analysis.take(entry); });
     links = linksFor(o, pump);
     QObject::connect(links.get(), &TapLinks::opened, &backlog, &TraceBacklog::opened);
@@ -165,7 +210,16 @@ int runTap(const TapOptions& o) {
     analysis.finish(pump.currentDateTime(), pump.monotonicSeconds());
     closeTheTrace(trace, pump.currentDateTime(), statistics, backlog, learner.get(), o.learn);
     const bool traceWhole = trace.finish();
-    return traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::reportsUnwritten;
+    const int ended =
+        traceWhole && !(learnFile && learnFile->failed()) ? status : exitcode::reportsUnwritten;
+    if (o.report.isEmpty())
+        return ended;
+    if (!writeReportPage(o.report, reportHeading(o, started, pump.currentDateTime(), ended), record,
+                         statistics, &error)) {
+        printError(QStringLiteral("cannot write the report %1: %2").arg(o.report, error));
+        return exitcode::reportsUnwritten;
+    }
+    return ended;
 }
 
 } // namespace larkspur::tap

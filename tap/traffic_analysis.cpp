@@ -102,6 +102,7 @@ void TrafficAnalysis::onUnit(Side from, const WireUnit& unit) {
 
 void TrafficAnalysis::onEnded(const Exchange& exchange) {
     m_statistics.add(exchange);
+    Q_EMIT exchangeEnded(exchange);
     if (!exchange.note.isEmpty())
         note(exchange.ended, exchange.note);
     if (m_learner && exchange.from == Side::Pms && !exchange.enq &&

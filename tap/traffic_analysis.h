@@ -49,6 +49,10 @@ public:
     // The tap stops: what is held is shown, and what waits for an answer gets none.
     void finish(const QDateTime& time, double seconds);
 
+Q_SIGNALS:
+    // `exchange` was answered, refused, or not answered.
+    void exchangeEnded(const larkspur::Exchange& exchange);
+
 private:
     struct Arrival {
         QDateTime time;

@@ -25,6 +25,8 @@ class Transport;
 class SessionEvents : public QObject {
     Q_OBJECT
 Q_SIGNALS:
+    // An expected-message wait starts, for at most `seconds` (0: without limit).
+    void expectationStarted(const QString& item, int seconds);
     // An expected-message wait ended by success or time-out after `ms`.
     void expectationEnded(const QString& item, bool succeeded, qint64 ms);
     // An expected-message wait was ended by a stop or a lost link before either.

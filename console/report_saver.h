@@ -1,7 +1,7 @@
 #pragma once
 
-#include "player/junit_recorder.h"
-#include "player/report_recorder.h"
+#include "assembly/junit_recorder.h"
+#include "assembly/report_recorder.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
 #include "player/run_outputs.h"
 
-#include "player/junit_recorder.h"
+#include "assembly/junit_recorder.h"
 #include "player/player_options.h"
 #include "player/standard_error.h"
 #include "records/error_records.h"

@@ -33,6 +33,8 @@ TestProcess::TestProcess() {
 }
 
 TestProcess::~TestProcess() {
+    // Its owner's members that its signals feed may be gone already.
+    disconnect(this, nullptr, nullptr, nullptr);
     if (state() == NotRunning)
         return;
     terminate();

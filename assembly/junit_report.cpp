@@ -1,4 +1,4 @@
-#include "player/junit_report.h"
+#include "assembly/junit_report.h"
 
 #include "core/output_file.h"
 #include "protocol/readable_notation.h"

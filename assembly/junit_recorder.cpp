@@ -1,4 +1,4 @@
-#include "player/junit_recorder.h"
+#include "assembly/junit_recorder.h"
 
 #include "core/event_pump.h"
 #include "script/script_engine.h"

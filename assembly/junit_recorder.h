@@ -1,6 +1,6 @@
 #pragma once
 
-#include "player/junit_report.h"
+#include "assembly/junit_report.h"
 
 #include <QObject>
 

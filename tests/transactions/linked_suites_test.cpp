@@ -90,14 +90,6 @@ TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
 }
 
-TEST_F(LinkedSuites, NothingHappensDuringAWait) {
-    const Link::WaitGuard busy(session.link());
-    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste0);
-    session.press(Control::cmd_ste5);
-    EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(session.log().logText().isEmpty());
-}
-
 TEST_F(LinkedSuites, ExplanationListsTheElevenCodes) {
     session.cmd_ste_explain();
     ASSERT_EQ(op.notices.size(), 1);

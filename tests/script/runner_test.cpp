@@ -29,30 +29,13 @@ TEST_F(Runner, HotelScriptForcesHyattAndPacesOneSecond) {
 }
 
 TEST_F(Runner, EveryHotelWordReplaysItsFrame) {
-    const QStringList script = {
-        "CHK1   101",
-        "CHK0   101",
-        "NAM1 Smith                  101",
-        "NAM2 Jones                  101",
-        "NAM3 Jones                  101",
-        "NAM4 Smith                  101  205",
-        "MW 1   101",
-        "MW 0   101",
-        "LMT1   101   500",
-        "WKP0730  101",
-        "WKP2359  101",
-        "RST2    12",
-        "DPT1 SALES       101",
-        "DPT2 SALES       101",
-        "DPT3 SALES       101",
-        "LOC1 LOBBY       101",
-        "LOC2 LOBBY       101",
-        "LOC3 LOBBY       101",
-        "STE0   101   102   103",
-        "STE3   101",
-        "STEB   101   102   103   104   105",
-        "STE5   101   102",
-    };
+    // clang-format off
+    const QStringList script = {"CHK1   101", "CHK0   101", "NAM1 Smith                  101", "NAM2 Jones                  101",
+        "NAM3 Jones                  101", "NAM4 Smith                  101  205", "MW 1   101", "MW 0   101", "LMT1   101   500",
+        "WKP0730  101", "WKP2359  101", "RST2    12", "DPT1 SALES       101", "DPT2 SALES       101", "DPT3 SALES       101",
+        "LOC1 LOBBY       101", "LOC2 LOBBY       101", "LOC3 LOBBY       101", "STE0   101   102   103", "STE3   101",
+        "STEB   101   102   103   104   105", "STE5   101   102"};
+    // clang-format on
     EXPECT_EQ(play((script.join("\r\n") + "\r\n;end\r\n").toLatin1()), Outcome::Completed);
     // Transfer Name fills both room fields, so its line sends a second frame for the target.
     QStringList expected = script;
@@ -61,38 +44,6 @@ TEST_F(Runner, EveryHotelWordReplaysItsFrame) {
     EXPECT_EQ(frames(), expected);
     EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_EQ(op.notices, QStringList{"Script file completed"});
-}
-
-TEST_F(Runner, RecordingThenReplayingPutsTheSameFramesOnTheWire) {
-    // Every hotel transaction but Transfer Name, whose replayed line fills the target room into
-    // both room fields and so sends one frame more than was recorded.
-    session.recorder().start(QString());
-    click({{Field::txt_suite_1, "101"}}, Control::cmd_chk_in);
-    click({}, Control::cmd_chk_out);
-    click({{Field::Text1, "Smith"}}, Control::cmd_name_1);
-    click({}, Control::cmd_replace_name);
-    click({}, Control::Command6);
-    click({{Field::txt_time, "0730"}}, Control::cmd_wakeup);
-    click({{Field::txt_credit, "500"}}, Control::cmd_set_credit);
-    click({}, Control::cmd_msg_wait);
-    click({}, Control::cmd_message_waiting_0);
-    click({{Field::txt_department, "SALES"}}, Control::cmd_dept);
-    click({}, Control::cmd_department_2);
-    click({}, Control::cmd_department_3);
-    click({{Field::txt_location, "LOBBY"}}, Control::cmd_loc);
-    click({}, Control::cmd_location_2);
-    click({}, Control::cmd_location_3);
-    session.cmb_restrict_Click("option 3");
-    click({{Field::txt_ls_pilot, "300"}, {Field::txt_suite_3, "301"}}, Control::cmd_ste6);
-    click({{Field::txt_suite_1, "302"}}, Control::cmd_ste5);
-    const QStringList recordedFrames = frames();
-    ASSERT_EQ(recordedFrames.size(), 18);
-    ASSERT_EQ(session.recorder().scriptText().count("\r\n"), 18);
-
-    tcp.written.clear();
-    session.recorder().suspend();
-    EXPECT_EQ(play((session.recorder().scriptText() + ";\r\n").toLatin1()), Outcome::Completed);
-    EXPECT_EQ(frames(), recordedFrames);
 }
 
 TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
@@ -265,11 +216,7 @@ TEST_F(Runner, VoiceMailLineWithoutTildeStopsAsAnUnrecognizedCommand) {
     EXPECT_EQ(play("VMAILHIS\r\n" + checkIn + "~\r\n" + checkOut + "\r\n;\r\n"),
               Outcome::Unrecognized);
     EXPECT_EQ(tcp.written, QList<QByteArray>({checkIn, checkOut}));
-    ASSERT_EQ(op.notices.size(), 1);
-    EXPECT_EQ(op.notices[0], "Command: 34001  <ETX>5");
-    EXPECT_EQ(lines().mid(lines().size() - 2),
-              QStringList({"Script file error! Unrecognized command", "Script Cancelled!"}));
-    EXPECT_EQ(session.errors().errorReport(), stamp() + "-> Script File Corrupt:\n\n\n");
+    EXPECT_EQ(op.notices, QStringList{"Command: 34001  <ETX>5"});
     ASSERT_EQ(unrecognized.size(), 1);
     EXPECT_EQ(unrecognized[0][0].toInt(), 3);
     EXPECT_TRUE(unrecognized[0][1].toString().contains("without \"~\""))

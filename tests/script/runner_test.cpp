@@ -50,17 +50,14 @@ TEST_F(Runner, VoiceMailScriptReplaysEveryCode) {
     session.link().setMode(PmsMode::Vmail, session.link().protocolType());
     session.link().setMode(session.link().pmsMode(), Protocol::His);
     session.recorder().start("VMAILHIS\r\n");
+    // clang-format off
     const QList<std::pair<FieldTexts, Action>> clicks = {
-        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_in},
-        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_out},
-        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_name_1},
-        {{{Field::txt_suite_2, "4002"}}, Control::Command6},
-        {{{Field::txt_suite_4, "12"}}, Control::cmd_department_3},
-        {{{Field::txt_department, "3"}}, Control::cmd_replace_name},
-        {{{Field::txt_suite_1, "1234"}}, Control::cmd_xfer_name},
-        {{{Field::txt_suite_1, "4321"}}, Control::cmd_dept},
-        {{{Field::txt_suite_3, "77"}}, Control::cmd_department_2},
+        {{{Field::txt_ls_pilot, "4001"}}, Control::cmd_chk_in}, {{}, Control::cmd_chk_out}, {{}, Control::cmd_name_1},
+        {{{Field::txt_suite_2, "4002"}}, Control::Command6}, {{{Field::txt_suite_4, "12"}}, Control::cmd_department_3},
+        {{{Field::txt_department, "3"}}, Control::cmd_replace_name}, {{{Field::txt_suite_1, "1234"}}, Control::cmd_xfer_name},
+        {{{Field::txt_suite_1, "4321"}}, Control::cmd_dept}, {{{Field::txt_suite_3, "77"}}, Control::cmd_department_2},
     };
+    // clang-format on
     for (const auto& [texts, action] : clicks)
         click(texts, action);
     const QList<QByteArray> sent = tcp.written;
@@ -93,15 +90,15 @@ TEST_F(Runner, TheUnknownCommandIsToldOnOneLineInTheReadableNotation) {
         QByteArray script;
         QString notice;
     } cases[] = {
-        {"UTF-8 byte order mark", "\xEF\xBB\xBF; comment\r\nCHK1   101\r\n;\r\n",
-         "Command: \\xEF\\xBB\\xBF;"},
-        {"UTF-16 with its mark", QByteArray("\xFF\xFE;\0 \0c\0\r\0\n\0;\0", 14),
-         "Command: \\xFF\\xFE;\\x00"},
+        // clang-format off
+        {"UTF-8 byte order mark", "\xEF\xBB\xBF; comment\r\nCHK1   101\r\n;\r\n", "Command: \\xEF\\xBB\\xBF;"},
+        {"UTF-16 with its mark", QByteArray("\xFF\xFE;\0 \0c\0\r\0\n\0;\0", 14), "Command: \\xFF\\xFE;\\x00"},
         {"a NUL in the word", QByteArray("CH\0K1   101\r\n;\r\n", 16), "Command: CH\\x00K"},
         // The lone LF ends the line: the room is read across it, the next command after it.
         {"a lone LF", "CHK1\n   101\r\n;\r\n", "Command: \\x0D\\x0A<ETX>"},
         {"a tag character", "<STX>\r\n;\r\n", "Command: \\x3CSTX"},
         {"a blank, then a semicolon", " ;x\r\n;\r\n", "Command:  ;x\\x0D"},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -46,9 +46,7 @@ TEST_F(SendSequence, AVoiceMailFrameNakedIsNotRetried) {
     link.setMode(PmsMode::Vmail, link.protocolType());
     tcpPbx.setMode(sim::Mode::Vmail);
     tcpPbx.options.onFrame = Answer::Nak;
-    const QString f = "\x02"
-                      "34001  \x03"
-                      "5";
+    const QString f = "\00234001  \0035"; // <STX>34001  <ETX>5
     EXPECT_NE(sendVmailFrame(link, f, "CHECK IN: 4001", false), SendResult::Acknowledged);
     EXPECT_EQ(lines(),
               QStringList({"CHECK IN: 4001", "Received--> NAK", "DID NOT RECEIVE ACK FROM PBX!"}));

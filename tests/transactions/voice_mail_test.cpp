@@ -104,14 +104,13 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
     };
     for (const Case& c : cases) {
         restart();
-        const QString& notice = c.notice;
         QSignalSpy refused(&session.events(), &SessionEvents::pressRefused);
         click(c.fields, c.action);
-        EXPECT_EQ(op.notices, QStringList{notice});
+        EXPECT_EQ(op.notices, QStringList{c.notice});
         EXPECT_TRUE(tcp.written.isEmpty());
         EXPECT_TRUE(session.recorder().scriptText().isEmpty());
         ASSERT_EQ(refused.size(), 1);
-        EXPECT_EQ(refused[0][0].toString(), notice);
+        EXPECT_EQ(refused[0][0].toString(), c.notice);
     }
 }
 

@@ -31,23 +31,17 @@ TEST_F(JunitCases, OneCasePerCommandFailingWhenThePbxDidNotTakeIt) {
         Answer onFrame;
         QString failure; // a part of it; empty: the case passes
     } table[] = {
+        // clang-format off
         {"acknowledged", "CHK1   101\r\n;\r\n", Answer::Ack, ""},
-        {"refused: the error record", "CHK0   101\r\n;\r\n", Answer::Nak,
-         "-> PBX DID NOT ACKnowkledge the Check out message:"},
-        {"check-in answered only by its ENQ's ACK", "CHK1   101\r\n;\r\n", Answer::Silent,
-         "never acknowledged CHK1   101"},
-        {"voice mail without an ACK",
-         "VMAILHIS\r\n\x02"
-         "24001  \x03"
-         "4~\r\n;\r\n",
-         Answer::Silent, "did not acknowledge CHECK IN: 4001"},
-        {"a wait that times out", "WAIT STS2   101 1\r\n;\r\n", Answer::Ack,
-         "Time expired.  Did not receive--> sts2"},
+        {"refused: the error record", "CHK0   101\r\n;\r\n", Answer::Nak, "-> PBX DID NOT ACKnowkledge the Check out message:"},
+        {"check-in answered only by its ENQ's ACK", "CHK1   101\r\n;\r\n", Answer::Silent, "never acknowledged CHK1   101"},
+        {"voice mail without an ACK", "VMAILHIS\r\n\x02" "24001  \x03" "4~\r\n;\r\n", Answer::Silent, "did not acknowledge CHECK IN: 4001"},
+        {"a wait that times out", "WAIT STS2   101 1\r\n;\r\n", Answer::Ack, "Time expired.  Did not receive--> sts2"},
         {"unknown command", "STOP\r\n;\r\n", Answer::Ack, "unrecognized command \"STOP\""},
-        {"an invalid time: nothing sent", "WKP0799  101\r\n;\r\n", Answer::Ack,
-         "Invalid Time!\nno valid room number"},
+        {"an invalid time: nothing sent", "WKP0799  101\r\n;\r\n", Answer::Ack, "Invalid Time!\nno valid room number"},
         {"no room: nothing sent", "CHK1      \r\n;\r\n", Answer::Ack, "no valid room number"},
         {"error mode sends the invalid time", "WKP0799  101\r\n;\r\n", Answer::Ack, ""},
+        // clang-format on
     };
     for (const Case& c : table) {
         SCOPED_TRACE(c.name);

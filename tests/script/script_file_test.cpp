@@ -5,17 +5,13 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
-
 using namespace larkspur;
 
 namespace {
 
 using Status = ScriptFile::Status;
 
+// Pipes and FIFOs, read once and capped, are the player's end-to-end tests.
 TEST(ScriptFile, ReadsRegularFilesAndRefusesWhatIsNoScript) {
     QTemporaryDir dir;
     const QString regular = dir.filePath("s.txt");
@@ -46,42 +42,6 @@ TEST(ScriptFile, ReadsRegularFilesAndRefusesWhatIsNoScript) {
         EXPECT_TRUE(file.error.contains(c.says)) << file.error.toStdString();
     }
     EXPECT_EQ(readScriptFile(regular).bytes, "CHK1   101\r\n;\r\n");
-}
-
-// Writes `bytes` into a new FIFO from another thread and reads it as a script.
-ScriptFile readThroughFifo(const QByteArray& bytes) {
-    QTemporaryDir dir;
-    const QByteArray fifo = QFile::encodeName(dir.filePath("fifo"));
-    if (::mkfifo(fifo.constData(), 0600) != 0)
-        return {};
-    std::thread writer([&] {
-        QFile out(QString::fromLocal8Bit(fifo));
-        if (!out.open(QIODevice::WriteOnly))
-            return;
-        // Whatever the reader refuses to take is lost with the pipe.
-        for (qsizetype done = 0; done < bytes.size();) {
-            const qint64 n = out.write(bytes.constData() + done, bytes.size() - done);
-            if (n <= 0)
-                break;
-            done += n;
-        }
-    });
-    ScriptFile file = readScriptFile(QString::fromLocal8Bit(fifo));
-    ::unlink(fifo.constData()); // unblocks a writer whose reader went away
-    writer.join();
-    return file;
-}
-
-TEST(ScriptFile, ReadsAFifoOnceAndCapsWhatItTakes) {
-    ::signal(SIGPIPE, SIG_IGN); // the writer outlives the reader that refused it
-    const ScriptFile small = readThroughFifo("CHK1   101\r\n;\r\n");
-    EXPECT_EQ(small.status, Status::Read);
-    EXPECT_EQ(small.bytes, "CHK1   101\r\n;\r\n");
-
-    const ScriptFile endless = readThroughFifo(QByteArray(maxScriptBytes + 4096, 'x'));
-    EXPECT_EQ(endless.status, Status::Refused);
-    EXPECT_TRUE(endless.error.contains("more than 64 MB")) << endless.error.toStdString();
-    EXPECT_TRUE(endless.bytes.isEmpty());
 }
 
 } // namespace

@@ -13,33 +13,22 @@ TEST(ScriptReader, KeepsDropsAndDecidesTheMode) {
         QByteArray file;
         QString mode, protocol, text;
     } cases[] = {
+        // clang-format off
         {"one line plays nothing", "CHK1   101\r\n", "HOTEL", "HYATT", "\x03"},
-        {"last line dropped", "CHK1   101\r\nCHK0   101\r\n", "HOTEL", "HYATT",
-         "CHK1   101\r\n\x03"},
-        {"last line dropped without its line end", "CHK1   101\r\nCHK0   101", "HOTEL", "HYATT",
-         "CHK1   101\r\n\x03"},
-        {"trailing comment lets the last command play", "CHK1   101\r\nCHK0   101\r\n;end\r\n",
-         "HOTEL", "HYATT", "CHK1   101\r\nCHK0   101\r\n\x03"},
-        {"comments and blank lines left out", "; c\r\n\r\n   \r\nCHK1   101\r\n;x\r\n", "HOTEL",
-         "HYATT", "CHK1   101\r\n\x03"},
-        {"blank then semicolon is kept", " ;x\r\nCHK1   101\r\n;\r\n", "HOTEL", "HYATT",
-         " ;x\r\nCHK1   101\r\n\x03"},
-        {"vmail header with HIS",
-         "VMAILHIS\r\n\x02"
-         "24001  \x03x~\r\n;\r\n",
-         "VMAIL", "HIS",
-         "\x02"
-         "24001  \x03x~\r\n\x03"},
+        {"last line dropped", "CHK1   101\r\nCHK0   101\r\n", "HOTEL", "HYATT", "CHK1   101\r\n\x03"},
+        {"last line dropped without its line end", "CHK1   101\r\nCHK0   101", "HOTEL", "HYATT", "CHK1   101\r\n\x03"},
+        {"trailing comment lets the last command play", "CHK1   101\r\nCHK0   101\r\n;end\r\n", "HOTEL", "HYATT", "CHK1   101\r\nCHK0   101\r\n\x03"},
+        {"comments and blank lines left out", "; c\r\n\r\n   \r\nCHK1   101\r\n;x\r\n", "HOTEL", "HYATT", "CHK1   101\r\n\x03"},
+        {"blank then semicolon is kept", " ;x\r\nCHK1   101\r\n;\r\n", "HOTEL", "HYATT", " ;x\r\nCHK1   101\r\n\x03"},
+        {"vmail header with HIS", "VMAILHIS\r\n\x02" "24001  \x03x~\r\n;\r\n", "VMAIL", "HIS", "\x02" "24001  \x03x~\r\n\x03"},
         {"vmail header with HYATT", "VMAILHYATT\r\n;\r\n", "VMAIL", "HYATT", "\x03"},
         {"vmail anywhere in the first line", "; VMAIL test\r\n;\r\n", "VMAIL", "HIS", "\x03"},
-        {"lower-case vmail is a kept hotel line", "vmail\r\nCHK1   101\r\n", "HOTEL", "HYATT",
-         "vmail\r\n\x03"},
-        {"later VMAIL lines are left out", "CHK1   101\r\nxVMAILx\r\nCHK0   101\r\n;\r\n", "HOTEL",
-         "HYATT", "CHK1   101\r\nCHK0   101\r\n\x03"},
-        {"unix line ends", "CHK1   101\nCHK0   101\n;\n", "HOTEL", "HYATT",
-         "CHK1   101\r\nCHK0   101\r\n\x03"},
+        {"lower-case vmail is a kept hotel line", "vmail\r\nCHK1   101\r\n", "HOTEL", "HYATT", "vmail\r\n\x03"},
+        {"later VMAIL lines are left out", "CHK1   101\r\nxVMAILx\r\nCHK0   101\r\n;\r\n", "HOTEL", "HYATT", "CHK1   101\r\nCHK0   101\r\n\x03"},
+        {"unix line ends", "CHK1   101\nCHK0   101\n;\n", "HOTEL", "HYATT", "CHK1   101\r\nCHK0   101\r\n\x03"},
         {"empty file", "", "HOTEL", "HYATT", "\x03"},
         {"leading blanks kept", "  CHK1\r\n;\r\n", "HOTEL", "HYATT", "  CHK1\r\n\x03"},
+        // clang-format on
     };
     for (auto& c : cases) {
         const ScriptText s = readScript(c.file);
@@ -48,10 +37,6 @@ TEST(ScriptReader, KeepsDropsAndDecidesTheMode) {
         EXPECT_EQ(s.text, c.text) << c.name;
     }
 }
-
-} // namespace
-
-namespace {
 
 TEST(ScriptReader, KeepsOnlyWhatIsMoreThanBlanks) {
     // Only character 32 is a blank: a tab is text, and a line holding one is a command.
@@ -76,10 +61,6 @@ TEST(ScriptReader, KnowsTheFileLineOfEveryKeptLine) {
     for (const auto& c : cases)
         EXPECT_EQ(s.fileLineAt(c.position), c.fileLine) << c.position;
 }
-
-} // namespace
-
-namespace {
 
 TEST(ScriptReader, KeepsRunsOfLeftOutLinesAsOne) {
     const ScriptText s =
@@ -153,16 +134,6 @@ TEST(ScriptReader, FindsNulBytesAndLoneLineEnds) {
     EXPECT_TRUE(readScript("CHK1   101\rCHK0   101\r;\r").oddities.isEmpty());
     // In UTF-16 every other byte is a NUL: the encoding says it all.
     EXPECT_TRUE(readScript(QByteArray("\xFF\xFE;\0\r\0\n\0", 8)).oddities.isEmpty());
-}
-
-TEST(ScriptReader, CountsOdditiesPastTheFirstHundred) {
-    QByteArray file;
-    for (int i = 0; i < 250; ++i)
-        file += QByteArray("; \0\r\n", 5);
-    const ScriptText s = readScript(file);
-    EXPECT_EQ(s.oddities.size(), ScriptText::maxOddities);
-    EXPECT_EQ(s.oddityCount, 250);
-    EXPECT_EQ(s.oddities.last().fileLine, 100);
 }
 
 } // namespace

@@ -47,18 +47,14 @@ TEST(ControlRules, EnablingFollowsTheLinkAndTheScript) {
         Script script;
         QStringList on;
     } cases[] = {
-        {Link::NotOpened,
-         Script::Idle,
-         {"cmd_connect", "cmd_disconnect", "mnuPMS", "mnuConnection"}},
-        {Link::Up,
-         Script::Idle,
-         {"cmd_disconnect", "cmd_chk_in", "cmd_ste0", "cmd_ack", "cmd_start_script", "Xtest"}},
-        {Link::Up,
-         Script::Recording,
-         {"cmd_disconnect", "cmd_chk_in", "cmd_ste0", "cmd_ack", "cmd_end_script"}},
+        // clang-format off
+        {Link::NotOpened, Script::Idle, {"cmd_connect", "cmd_disconnect", "mnuPMS", "mnuConnection"}},
+        {Link::Up, Script::Idle, {"cmd_disconnect", "cmd_chk_in", "cmd_ste0", "cmd_ack", "cmd_start_script", "Xtest"}},
+        {Link::Up, Script::Recording, {"cmd_disconnect", "cmd_chk_in", "cmd_ste0", "cmd_ack", "cmd_end_script"}},
         {Link::Up, Script::Running, {"cmd_disconnect", "cmd_ste0", "cmd_ack", "StopScript"}},
         {Link::Down, Script::Recording, {"cmd_connect", "mnuPMS", "mnuConnection"}},
         {Link::Down, Script::Running, {"cmd_connect", "mnuPMS", "mnuConnection"}},
+        // clang-format on
     };
     for (const auto& c : cases) {
         ConsoleState state;

@@ -15,19 +15,11 @@ TEST(VerifyString, JustifiesOrRejectsByLengthOnly) {
         QString just;
         QString out;
     } cases[] = {
-        {"101", 5, "R", "  101"},
-        {"Smith", 21, "L", "Smith                "},
-        {"12345", 5, "R", "12345"},
-        {"123456", 5, "R", "NotValid"},
-        {"", 5, "R", "NotValid"},
-        {"", 5, "X", "NotValid"},
-        {"101", 5, "X", ""},
-        {"101", 5, "r", ""},
-        {"     ", 5, "R", "     "},
-        {"a b!", 10, "L", "a b!      "},
-        {"LOBBY", 10, "L", "LOBBY     "},
-        {"500", 5, "R", "  500"},
-        {"x", 0, "R", "NotValid"},
+        // clang-format off
+        {"101", 5, "R", "  101"}, {"Smith", 21, "L", "Smith                "}, {"12345", 5, "R", "12345"}, {"123456", 5, "R", "NotValid"},
+        {"", 5, "R", "NotValid"}, {"", 5, "X", "NotValid"}, {"101", 5, "X", ""}, {"101", 5, "r", ""}, {"     ", 5, "R", "     "},
+        {"a b!", 10, "L", "a b!      "}, {"LOBBY", 10, "L", "LOBBY     "}, {"500", 5, "R", "  500"}, {"x", 0, "R", "NotValid"},
+        // clang-format on
     };
     for (auto& c : cases)
         EXPECT_EQ(verify_string(c.text, c.width, c.just), c.out)

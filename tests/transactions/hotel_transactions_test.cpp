@@ -167,30 +167,18 @@ TEST_F(HotelTransactions, InvalidSecondFieldSkipsTheRoom) {
         FieldTexts fields;
         QStringList log;
     } cases[] = {
-        {Control::cmd_name_1,
-         {{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, longName}},
-         {"Invalid Name!", "Invalid Name!", "no valid room number"}},
+        // clang-format off
+        {Control::cmd_name_1, {{txt_suite_1, "101"}, {txt_suite_2, "102"}, {Text1, longName}}, {"Invalid Name!", "Invalid Name!", "no valid room number"}},
         {Control::cmd_replace_name, {{txt_ls_pilot, "105"}, {Text1, "  "}}, {"Invalid Name!"}},
-        {Control::cmd_xfer_name,
-         {{txt_suite_1, "101"}, {Text1, "Smith"}},
-         {"Invalid Transfer Room Number!", "no valid room number"}},
-        {Control::cmd_xfer_name,
-         {{txt_suite_1, "101"}, {txt_suite_2, "205"}},
-         {"Invalid Name!", "Invalid Name!", "no valid room number"}},
-        {Control::cmd_set_credit,
-         {{txt_suite_1, "101"}},
-         {"Invalid Name!", "no valid room number"}},
-        {Control::cmd_wakeup,
-         {{txt_suite_1, "101"}, {txt_time, "0760"}},
-         {"Invalid Time!", "no valid room number"}},
-        {Control::cmd_department_3,
-         {{txt_suite_1, "101"}, {txt_department, "ACCOUNTING1"}},
-         {"Invalid Department!", "no valid room number"}},
-        {Control::cmd_location_2,
-         {{txt_suite_1, "101"}},
-         {"Invalid Location!", "no valid room number"}},
+        {Control::cmd_xfer_name, {{txt_suite_1, "101"}, {Text1, "Smith"}}, {"Invalid Transfer Room Number!", "no valid room number"}},
+        {Control::cmd_xfer_name, {{txt_suite_1, "101"}, {txt_suite_2, "205"}}, {"Invalid Name!", "Invalid Name!", "no valid room number"}},
+        {Control::cmd_set_credit, {{txt_suite_1, "101"}}, {"Invalid Name!", "no valid room number"}},
+        {Control::cmd_wakeup, {{txt_suite_1, "101"}, {txt_time, "0760"}}, {"Invalid Time!", "no valid room number"}},
+        {Control::cmd_department_3, {{txt_suite_1, "101"}, {txt_department, "ACCOUNTING1"}}, {"Invalid Department!", "no valid room number"}},
+        {Control::cmd_location_2, {{txt_suite_1, "101"}}, {"Invalid Location!", "no valid room number"}},
         {Control::cmd_msg_wait, {}, {"no valid room number"}},
         {Control::cmb_restrict, {}, {"No valid room number"}},
+        // clang-format on
     };
     for (const Case& c : cases) {
         restart();
@@ -233,16 +221,13 @@ TEST_F(HotelTransactions, RestrictionListSendsTheLevelOfTheChoice) {
 TEST_F(HotelTransactions, NothingHappensDuringAWait) {
     const Link::WaitGuard busy(session.link());
     chosenRestriction = "local call";
-    type({{txt_suite_1, "101"},
-          {txt_suite_2, "205"},
-          {Text1, "Smith"},
-          {txt_credit, "5"},
-          {txt_time, "0730"},
-          {txt_department, "D"},
-          {txt_location, "L"}});
+    // clang-format off
+    type({{txt_suite_1, "101"}, {txt_suite_2, "205"}, {Text1, "Smith"}, {txt_credit, "5"}, {txt_time, "0730"}, {txt_department, "D"}, {txt_location, "L"}, {txt_ls_pilot, "101"}});
+    // clang-format on
     for (const Transaction& t : transactions)
         press(t.action);
-    session.press(Control::cmd_xfer_name);
+    for (Action a : {Control::cmd_xfer_name, Control::cmd_ste0, Control::cmd_ste5})
+        session.press(a);
     EXPECT_TRUE(tcp.written.isEmpty());
     EXPECT_TRUE(session.log().logText().isEmpty());
 }

@@ -12,6 +12,13 @@ protected:
     // What the log and the error report say of a linked-suite message.
     const QString logPrefix = "Sending    -->";
     const QString failureSentence = "-> PBX DID NOT ACKnowkledge the link suite message:";
+    // The pilot, then txt_suite_1 .. txt_suite_4.
+    void typeAndPress(const QStringList& fields, Action action) {
+        type({{txt_ls_pilot, fields[0]}});
+        for (int i = 0; i < 4; ++i)
+            type({{roomFields[i], fields[i + 1]}});
+        session.press(action);
+    }
 };
 
 TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
@@ -34,10 +41,7 @@ TEST_F(LinkedSuites, BodyIsCutByItsLastCharacter) {
         SCOPED_TRACE(c.body.toStdString());
         restart();
         session.choose(Control::chk_error, c.errorMode);
-        type({{txt_ls_pilot, c.fields[0]}});
-        for (int i = 0; i < 4; ++i)
-            type({{roomFields[i], c.fields[i + 1]}});
-        session.press(c.action);
+        typeAndPress(c.fields, c.action);
         EXPECT_EQ(tcp.written, QList<QByteArray>({ENQ, frame(c.body.toLatin1())}));
         const QStringList log = grantedBid() + QStringList{logPrefix + c.body, "Received--> ACK"};
         EXPECT_EQ(lines(), log);
@@ -58,10 +62,7 @@ TEST_F(LinkedSuites, FirstInvalidFieldIsLoggedAndNothingSent) {
     };
     for (const Case& c : cases) {
         restart();
-        type({{txt_ls_pilot, c.fields[0]}});
-        for (int i = 0; i < 4; ++i)
-            type({{roomFields[i], c.fields[i + 1]}});
-        session.press(c.action);
+        typeAndPress(c.fields, c.action);
         EXPECT_EQ(lines(), QStringList{c.line});
         EXPECT_TRUE(tcp.written.isEmpty());
     }
@@ -88,14 +89,6 @@ TEST_F(LinkedSuites, RefusedLineBidIsNotCounted) {
     EXPECT_EQ(session.errors().errorReport(), enqLine + "\n");
     EXPECT_EQ(session.errors().errorCount(), 0);
     EXPECT_EQ(tcp.written, QList<QByteArray>(5, ENQ));
-}
-
-TEST_F(LinkedSuites, NothingHappensDuringAWait) {
-    const Link::WaitGuard busy(session.link());
-    click({{txt_ls_pilot, "101"}, {txt_suite_1, "201"}}, Control::cmd_ste0);
-    session.press(Control::cmd_ste5);
-    EXPECT_TRUE(tcp.written.isEmpty());
-    EXPECT_TRUE(session.log().logText().isEmpty());
 }
 
 TEST_F(LinkedSuites, ExplanationListsTheElevenCodes) {

@@ -104,25 +104,21 @@ TEST_F(VoiceMail, EmptyFieldIsRefusedWithItsNotice) {
     };
     for (const Case& c : cases) {
         restart();
-        const QString& notice = c.notice;
         QSignalSpy refused(&session.events(), &SessionEvents::pressRefused);
         click(c.fields, c.action);
-        EXPECT_EQ(op.notices, QStringList{notice});
+        EXPECT_EQ(op.notices, QStringList{c.notice});
         EXPECT_TRUE(tcp.written.isEmpty());
         EXPECT_TRUE(session.recorder().scriptText().isEmpty());
         ASSERT_EQ(refused.size(), 1);
-        EXPECT_EQ(refused[0][0].toString(), notice);
+        EXPECT_EQ(refused[0][0].toString(), c.notice);
     }
 }
 
 TEST_F(VoiceMail, OnlyTheCheckInRunsDuringAWait) {
     const Link::WaitGuard busy(session.link());
-    type({{txt_ls_pilot, "4001"},
-          {txt_suite_1, "1"},
-          {txt_suite_2, "2"},
-          {txt_suite_3, "3"},
-          {txt_suite_4, "4"},
-          {txt_department, "5"}});
+    // clang-format off
+    type({{txt_ls_pilot, "4001"}, {txt_suite_1, "1"}, {txt_suite_2, "2"}, {txt_suite_3, "3"}, {txt_suite_4, "4"}, {txt_department, "5"}});
+    // clang-format on
     for (Action a : {Control::cmd_chk_out, Control::cmd_name_1, Control::Command6,
                      Control::cmd_replace_name, Control::cmd_xfer_name, Control::cmd_dept,
                      Control::cmd_department_2, Control::cmd_department_3})

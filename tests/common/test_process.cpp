@@ -18,7 +18,9 @@ bool waitUntil(const std::function<bool()>& condition, int timeoutMs) {
         const qint64 left = timeoutMs - clock.elapsed();
         if (left <= 0)
             return false;
-        pump.waitForEvent(int(left));
+        // Some conditions come without an event (a line in a file another program writes):
+        // look again at least every 50 ms.
+        pump.waitForEvent(int(qMin<qint64>(left, 50)));
     }
     return true;
 }

@@ -6,8 +6,8 @@
 
 namespace larkspur::test {
 
-// Waits until `condition` holds, running the Qt event loop (blocked in it, not spinning), for at
-// most `timeoutMs` of real time. Returns whether it holds.
+// Waits until `condition` holds, running the Qt event loop (blocked in it, looking again at
+// least every 50 ms), for at most `timeoutMs` of real time. Returns whether it holds.
 bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 5000);
 
 // A program a test runs. It goes down with the test process however that ends (a failed

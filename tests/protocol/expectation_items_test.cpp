@@ -15,6 +15,7 @@ TEST(ExpectationItems, APbxMessageNamesTheItemItMeetsAndItsRoom) {
         QString room;
     } cases[] = {
         {plain_frame("STS2   101"), "sts2", "  101"},
+        {plain_frame("STS9   101"), "sts9", "  101"},
         {plain_frame("MR 0001  101"), "mr", "  101"},
         {plain_frame("MW 0 12345"), "mw0", "12345"},
         {plain_frame("MW 1   101"), "mw1", "  101"},

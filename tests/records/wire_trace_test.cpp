@@ -17,11 +17,15 @@ class WireTraceTest : public LinkFixture {
 protected:
     WireTrace trace{pump};
     RunStatistics stats;
+    QList<int> frameAttempts; // of each frame exchange, as it ended
     void SetUp() override {
         LinkFixture::SetUp();
         traceLink(link, trace);
-        QObject::connect(&trace, &WireTrace::exchangeEnded,
-                         [this](const Exchange& e) { stats.add(e); });
+        QObject::connect(&trace, &WireTrace::exchangeEnded, [this](const Exchange& e) {
+            stats.add(e);
+            if (!e.enq)
+                frameAttempts << e.attempt;
+        });
     }
     QStringList rows() const {
         QStringList out;
@@ -50,6 +54,10 @@ TEST_F(WireTraceTest, AnnotatesTheHandshakeAndCountsPerType) {
     EXPECT_EQ(checkOut.acknowledged, 1);
     EXPECT_EQ(checkOut.refused, 1);
     EXPECT_EQ(stats.rows().value("ENQ").medianMs(), 21);
+    // The same frame again after its ACK is a new first attempt, not a retry.
+    int again = 1;
+    sendHotelMessage(link, errors, rule, "CHK0   101", again, "CHK0   101");
+    EXPECT_EQ(frameAttempts, QList<int>({1, 2, 1}));
 }
 
 TEST_F(WireTraceTest, UnansweredBidsTimeOut) {
@@ -102,6 +110,7 @@ TEST(WireTraceTypes, NamesMessages) {
         {"\x02MW 0   101\x03", false, "message waiting off"},
         {"\x02XYZW\x03", false, "unknown message"},
         {"\002A4001  1234  \x03x", true, "voice mail A check-in with passcode"},
+        {"\0024  40010201\x031", true, "voice mail 4"},
     };
     for (auto& c : cases)
         EXPECT_EQ(frameName(c.frame, Side::Pms, c.vmail ? PmsMode::Vmail : PmsMode::Hotel).type,

@@ -1,8 +1,8 @@
 #include "assembly/report_recorder.h"
 
+#include "assembly/junit_recorder.h"
 #include "assembly/link_name.h"
 #include "core/event_pump.h"
-#include "assembly/junit_recorder.h"
 #include "records/wire_trace.h"
 #include "report/report_page.h"
 #include "script/script_engine.h"

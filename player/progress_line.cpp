@@ -1,7 +1,7 @@
 #include "player/progress_line.h"
 
-#include "core/event_pump.h"
 #include "assembly/junit_recorder.h"
+#include "core/event_pump.h"
 #include "player/standard_error.h"
 #include "records/wire_trace.h"
 #include "script/script_engine.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/streamed_file.h"
 #include "assembly/junit_report.h"
+#include "core/streamed_file.h"
 #include "records/traffic_log.h"
 
 #include <QObject>

@@ -1,7 +1,7 @@
 // The JUnit cases of a run, built from what happens: a transaction the PBX did not take, or one
 // cut short, never passes.
-#include "common/script_fixture.h"
 #include "assembly/junit_recorder.h"
+#include "common/script_fixture.h"
 
 using namespace larkspur;
 using namespace larkspur::test;
